@@ -10,8 +10,9 @@ const char* const kMachFile = "/var/vessa/machfile";
 
 namespace {
 
-// The installer reads the file in pieces of this many characters; a longer
-// line arrives as several lines and we must see it the same way.
+// Lines of the machine file hold at most this many characters; a longer
+// line has always counted as several, and files in the field rely on the
+// same reading.
 constexpr std::size_t kMaxLine = 255;
 
 const char* const kSubgrMarker = "SUBGRMAP";
@@ -117,10 +118,12 @@ std::string& machFileSetting() {
   return path;
 }
 
-// Splits the text into the lines the installer's reader sees: pieces of at
-// most kMaxLine bytes, each ending after a newline or at the size limit.
-// Bytes after a NUL in a piece are lost, as they are for the installer.
-std::vector<std::string> readPieces(const std::string& text) {
+}  // namespace
+
+// Pieces of at most kMaxLine bytes, each ending after a newline or at the
+// size limit.  Bytes after a NUL in a piece are dropped: the file is text,
+// and a NUL has always ended the line's text.
+std::vector<std::string> splitMachText(const std::string& text) {
   std::vector<std::string> pieces;
   std::size_t pos = 0;
   while (pos < text.size()) {
@@ -137,6 +140,8 @@ std::vector<std::string> readPieces(const std::string& text) {
   }
   return pieces;
 }
+
+namespace {
 
 // strtok over a string: tokens separated by runs of delimiters, each token
 // consuming exactly one delimiter behind it.
@@ -203,17 +208,21 @@ std::vector<std::string> getMachList(const std::string& file) {
   char buf[8192];
   for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, in)) > 0;) text.append(buf, n);
   std::fclose(in);
-  std::vector<std::string> lines = readPieces(text);
+  std::vector<std::string> lines = splitMachText(text);
   if (lines.empty()) return builtinMachList();
   return lines;
 }
 
 int getMachTables(std::vector<Subgr_Map>& subgr, std::vector<Mach_Map>& mach,
                   std::vector<Arch_Map>& arch, const std::string& file) {
+  return buildMachTables(getMachList(file), subgr, mach, arch);
+}
+
+int buildMachTables(const std::vector<std::string>& lines, std::vector<Subgr_Map>& subgr,
+                    std::vector<Mach_Map>& mach, std::vector<Arch_Map>& arch) {
   subgr.clear();
   mach.clear();
   arch.clear();
-  std::vector<std::string> lines = getMachList(file);
 
   std::size_t subgrAt = lines.size(), archAt = lines.size();
   for (std::size_t i = 0; i < lines.size(); ++i) {

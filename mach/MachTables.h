@@ -70,6 +70,14 @@ std::vector<std::string> getMachList(const std::string& file = machFile());
 int getMachTables(std::vector<Subgr_Map>& subgr, std::vector<Mach_Map>& mach,
                   std::vector<Arch_Map>& arch, const std::string& file = machFile());
 
+/// The lines that the machine file's text holds, as getMachList keeps them;
+/// empty when there is none (the caller then takes the built-in list).
+std::vector<std::string> splitMachText(const std::string& text);
+
+/// getMachTables over lines already read.
+int buildMachTables(const std::vector<std::string>& lines, std::vector<Subgr_Map>& subgr,
+                    std::vector<Mach_Map>& mach, std::vector<Arch_Map>& arch);
+
 /// Fill one record from one line; 0, or -1 when a required field is
 /// missing.  A trailing newline in the line is allowed.
 int parse_mach(const std::string& line, Mach_Map& row);
