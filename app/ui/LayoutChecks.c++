@@ -3,12 +3,16 @@
 #include "app/ui/LayoutChecks.h"
 
 #include <X11/IntrinsicP.h>
+#include <X11/Shell.h>
 #include <X11/Xresource.h>
 #include <Xm/Xm.h>
 
 #include <cstring>
 #include <functional>
 #include <map>
+#include <regex>
+
+#include "util/UiTestApp.h"
 
 namespace {
 
@@ -107,4 +111,17 @@ void expectCallbacksRouted(Widget base, const std::vector<ExpectedRoute>& routes
 void putUserResource(Widget anyWidget, const char* line) {
   XrmDatabase db = XtDatabase(XtDisplay(anyWidget));
   XrmPutLineResource(&db, line);
+}
+
+Widget newApplicationShell(const char* name) {
+  return XtVaAppCreateShell(name, "Tamblin", applicationShellWidgetClass, UiTestApp::display(),
+                            XmNallowShellResize, True, nullptr);
+}
+
+void expectResourceLinesWellFormed(const char* const* table) {
+  ASSERT_NE(nullptr, table);
+  static const std::regex line(R"(\*[A-Za-z0-9]+\.[A-Za-z]+:  \S.*|\*[A-Za-z]+:  \S.*|.*:   )");
+  int n = 0;
+  for (; table[n]; ++n) EXPECT_TRUE(std::regex_match(table[n], line)) << "'" << table[n] << "'";
+  EXPECT_GT(n, 0);
 }
