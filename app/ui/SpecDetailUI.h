@@ -25,6 +25,9 @@ class SpecDetailUI : public YrComponent {
   virtual void prereqPushButton(Widget, XtPointer callData);
   virtual void replacesPushButton(Widget, XtPointer callData);
 
+  /// The resource "showRequiredToggleButton", read at construction.
+  Boolean _showRequiredToggleButton = False;
+
   Widget _applySpringBox = nullptr;
   Widget _applyArrowButton = nullptr;
   Widget _applyLabel = nullptr;
@@ -85,6 +88,9 @@ class SpecDetailUI : public YrComponent {
   Widget _noneLabel = nullptr;
 
  private:
+  void buildProductForm();
+  void buildSubsystemForm();
+  void buildImageForm();
   static void applyArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
   static void browseSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
   static void incompatPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
