@@ -64,7 +64,7 @@ Widget attributeRow(const char* gridName, const char* toggleName, Widget parent,
 
 Widget commandText(const char* name, Widget grid) {
   return createManaged(name, xmTextWidgetClass, grid,
-                       {{OvNcolumn, 1}, {XmNeditMode, XmSINGLE_LINE_EDIT}, {XmNcolumns, 30}});
+                       {{OvNcolumn, 1}, {XmNeditMode, XmSINGLE_LINE_EDIT}, {XmNcolumns, 20}});
 }
 
 // The toggles of a hardware group go here at run time, in four columns.
