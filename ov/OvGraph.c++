@@ -14,6 +14,7 @@ namespace {
 
 struct GraphState {
   std::vector<Widget> selected;
+  XtIntervalId pendingLayout = 0;
 };
 
 struct OvGraphPart {
@@ -263,8 +264,25 @@ void layout(Widget graph) {
   redraw(graph);
 }
 
+void deferredLayout(XtPointer clientData, XtIntervalId*) {
+  Widget graph = static_cast<Widget>(clientData);
+  part(graph).state->pendingLayout = 0;
+  layout(graph);
+}
+
+// A shown graph lays itself out once the changes of one callback are all
+// made (a hierarchy read from a file adds its nodes one by one; a layout
+// after each would make that quadratic).
 void autoLayout(Widget graph) {
-  if (part(graph).auto_layout_mode != 0) layout(graph);
+  OvGraphPart& g = part(graph);
+  if (g.auto_layout_mode == 0) return;
+  if (!XtIsRealized(graph)) {
+    layout(graph);
+    return;
+  }
+  if (!g.state->pendingLayout)
+    g.state->pendingLayout =
+        XtAppAddTimeOut(XtWidgetToApplicationContext(graph), 0, &deferredLayout, graph);
 }
 
 // ---- Selection ------------------------------------------------------------
@@ -341,6 +359,7 @@ void Initialize(Widget, Widget created, ArgList, Cardinal*) {
 
 void Destroy(Widget w) {
   OvGraphPart& g = part(w);
+  if (g.state->pendingLayout) XtRemoveTimeOut(g.state->pendingLayout);
   XtReleaseGC(w, g.arc_gc);
   XtReleaseGC(w, g.frame_gc);
   delete g.state;
@@ -558,5 +577,9 @@ void OvGraphSelectNode(Widget graph, Widget node, Boolean withNotify) {
 }
 
 void OvGraphLayout(Widget graph, Widget) {
-  if (graph && XtIsSubclass(graph, ovGraphWidgetClass)) layout(graph);
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return;
+  GraphState* state = part(graph).state;
+  if (state->pendingLayout) XtRemoveTimeOut(state->pendingLayout);
+  state->pendingLayout = 0;
+  layout(graph);
 }

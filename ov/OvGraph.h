@@ -7,8 +7,9 @@
 // likewise, one under the other.  The layout never lets two subtrees
 // overlap: every subtree has a band of rows of its own, and a node sits
 // centred on the band of its children.  With "autoLayoutMode" 1 the graph
-// lays itself out again after every change of its nodes; with 0 only when
-// OvGraphLayout is called.
+// lays itself out again after its nodes change (once shown, as soon as the
+// event loop runs again, so that many changes cost one layout); with 0 only
+// when OvGraphLayout is called, which always lays out at once.
 //
 // Selection: activating a node (a click on a push button) selects it and
 // calls "selectNodeCallback"; a click on the background unselects all and
