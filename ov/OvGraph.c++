@@ -116,7 +116,7 @@ struct Node {
 
 class Layout {
  public:
-  explicit Layout(Widget graph) : _graph(graph), _g(part(graph)) {
+  explicit Layout(Widget graph) : _g(part(graph)) {
     std::unordered_map<Widget, int> index;
     forManagedChildren(graph, [&](Widget w) {
       index[w] = static_cast<int>(_nodes.size());
@@ -240,7 +240,6 @@ class Layout {
     }
   }
 
-  Widget _graph;
   OvGraphPart& _g;
   std::vector<Node> _nodes;
   std::vector<int> _roots;
@@ -444,7 +443,9 @@ void ConstraintInitialize(Widget, Widget created, ArgList, Cardinal*) {
 
 void ConstraintDestroy(Widget gone) {
   Widget graph = XtParent(gone);
-  if (!part(graph).state) return;  // the graph itself is going
+  // When the graph itself goes, its children are freed one after the other
+  // while still listed: touch none of them.
+  if (graph->core.being_destroyed || !part(graph).state) return;
   unselect(graph, gone);
   // Orphans become roots rather than pointing at a dead widget.
   CompositeWidget cw = reinterpret_cast<CompositeWidget>(graph);
