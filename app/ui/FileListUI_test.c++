@@ -63,6 +63,12 @@ TEST_F(FileListUITest, BuildsTheNamedWidgetsInOrderUnderTheirParents) {
   unsigned char policy = 0;
   XtVaGetValues(findWidget(ui.baseWidget(), "fileList"), XmNselectionPolicy, &policy, nullptr);
   EXPECT_EQ(XmEXTENDED_SELECT, policy);
+  // The list brought its own scroll bars into the scrolled window.
+  Widget vertical = nullptr, horizontal = nullptr;
+  XtVaGetValues(findWidget(ui.baseWidget(), "scrolledWindow"), XmNverticalScrollBar, &vertical,
+                XmNhorizontalScrollBar, &horizontal, nullptr);
+  EXPECT_NE(nullptr, vertical);
+  EXPECT_NE(nullptr, horizontal);
   // Row and column of each child of the grids.
   const struct {
     const char* widget;
