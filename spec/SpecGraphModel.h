@@ -19,10 +19,11 @@
 #include <unordered_map>
 #include <vector>
 
+#include "idb/StringSet.h"
 #include "spec/SpecNode.h"
 
 class Reporter;
-class StringSet;
+
 
 /// What a view of the model hears about.  Every method has an empty default.
 class SpecGraphObserver {
