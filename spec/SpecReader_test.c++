@@ -189,12 +189,14 @@ TEST_F(SpecReaderTest, ItemsAsStored) {
                "subsys b id Base   Software endsubsys\n"
                "subsys c id \"\" endsubsys\n"
                "subsys d id \"it's\" endsubsys\n"
-               "subsys e id 'say \"hi\"' endsubsys\n"),
+               "subsys e id 'say \"hi\"' endsubsys\n"
+               "subsys f id \"a\" b endsubsys\n"),
        writtenImage("        subsys a\n            id \"Base Software\"\n        endsubsys\n"
                     "        subsys b\n            id Base Software\n        endsubsys\n"
                     "        subsys c\n            id \"\"\n        endsubsys\n"
                     "        subsys d\n            id \"it's\"\n        endsubsys\n"
-                    "        subsys e\n            id 'say \"hi\"'\n        endsubsys\n")},
+                    "        subsys e\n            id 'say \"hi\"'\n        endsubsys\n"
+                    "        subsys f\n            id \"a\" b\n        endsubsys\n")},
       {"relations in file order",
        inImage("subsys s replaces self incompat x 0 oldvers endsubsys\n"),
        writtenImage("        subsys s\n            id \"Description\"\n            replaces self\n"
@@ -253,8 +255,8 @@ TEST_F(SpecReaderTest, SyntaxErrorsKeepWhatWasRead) {
       {"unclosed quote", "product p id \"P\nendproduct\n", "line 3:  syntax error (at '')", "p"},
       {"nothing before the error", "endproduct\nproduct p id P endproduct\n",
        "line 1:  syntax error (at 'endproduct')", ""},
-      {"words after a quoted stretch", inImage("subsys s id \"a\" b endsubsys\n"),
-       "line 2:  syntax error (at 'b')", "p p.i p.i.s"},
+      {"quote after words", inImage("subsys s id a \"b\" endsubsys\n"),
+       "line 2:  syntax error (at '\"')", "p p.i p.i.s"},
       {"bad character", "product p id P\n\x01 endproduct\n",
        "line 2:  bad character '\x01'\n (at '\x01')", "p"},
   };
