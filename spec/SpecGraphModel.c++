@@ -98,12 +98,11 @@ SpecNode* SpecGraphModel::attach(SpecNode* parent, std::unique_ptr<SpecNode> own
 }
 
 void SpecGraphModel::indexSubtree(SpecNode* node) {
-  _identities[node->_identity] = node;
-  if (_tagIndexValid) {
-    // A tag seen before may now belong to a node earlier in traversal order
-    // (attached under an earlier product); let the next lookup sort it out.
-    if (!_tagIndex.emplace(node->getTag(), node).second) _tagIndexValid = false;
-  }
+  if (!_indexValid) return;
+  _identities.emplace(node->_identity, node);
+  // A tag seen before may now belong to a node earlier in traversal order
+  // (attached under an earlier product); let the next lookup sort it out.
+  if (!_tagIndex.emplace(node->getTag(), node).second) _indexValid = false;
   for (auto& c : node->_children) indexSubtree(c.get());
 }
 
@@ -118,7 +117,7 @@ void SpecGraphModel::remove(SpecNode* node) {
       break;
     }
   }
-  _tagIndexValid = false;
+  _indexValid = false;
 }
 
 // Children go first, as the view expects, and the selection never points at
@@ -133,7 +132,6 @@ void SpecGraphModel::removeSubtree(SpecNode* node) {
     _selected = nullptr;
     if (_observer) _observer->selectionChanged(nullptr);
   }
-  _identities.erase(node->_identity);
   if (_observer) _observer->nodeRemoving(node);
 }
 
@@ -156,12 +154,13 @@ std::vector<SpecNode*> SpecGraphModel::nodes() const {
 }
 
 SpecNode* SpecGraphModel::findIdentity(const std::string& identity) const {
+  if (!_indexValid) rebuildIndex();
   auto it = _identities.find(identity);
   return it == _identities.end() ? nullptr : it->second;
 }
 
 void SpecGraphModel::nodeChanged(SpecNode* node, bool nameChanged) {
-  if (nameChanged) _tagIndexValid = false;
+  if (nameChanged) _indexValid = false;
   if (_observer) _observer->nodeChanged(node, nameChanged);
 }
 
@@ -197,13 +196,20 @@ std::unique_ptr<StringSet> SpecGraphModel::getOrdering(const SpecNode* image,
 }
 
 void SpecGraphModel::rebuildIndex() const {
+  std::vector<SpecNode*> all = nodes();
   _tagIndex.clear();
-  for (SpecNode* n : nodes()) _tagIndex.emplace(n->getTag(), n);
-  _tagIndexValid = true;
+  _identities.clear();
+  _tagIndex.reserve(all.size());
+  _identities.reserve(all.size());
+  for (SpecNode* n : all) {
+    _tagIndex.emplace(n->getTag(), n);
+    _identities.emplace(n->_identity, n);
+  }
+  _indexValid = true;
 }
 
 SpecNode* SpecGraphModel::getNode(const std::string& tag) const {
-  if (!_tagIndexValid) rebuildIndex();
+  if (!_indexValid) rebuildIndex();
   auto it = _tagIndex.find(tag);
   return it == _tagIndex.end() ? nullptr : it->second;
 }

@@ -190,18 +190,19 @@ class SpecGraphModel {
   std::function<std::string()> _distDir;
 
   std::vector<std::unique_ptr<SpecNode>> _roots;
-  std::unordered_map<std::string, SpecNode*> _identities;
   SpecNode* _selected = nullptr;
   int _counter = 0;
   bool _changed = false;
   std::string _specFileName;
   SpecReadReport _lastRead;
 
-  // Tag -> first node in traversal order with that tag.  Attaching a node
-  // with a new tag updates it in place; renames, removals and duplicate tags
-  // mark it stale and the next lookup rebuilds it.
+  // Tag -> first node in traversal order with that tag, and identity ->
+  // node.  Built by the first lookup (reading a file needs none); once built,
+  // attaching nodes with new tags updates them in place, while renames,
+  // removals and duplicate tags mark them stale for the next lookup.
   mutable std::unordered_map<std::string, SpecNode*> _tagIndex;
-  mutable bool _tagIndexValid = true;
+  mutable std::unordered_map<std::string, SpecNode*> _identities;
+  mutable bool _indexValid = false;
 };
 
 #endif

@@ -72,7 +72,15 @@ int SpecNode::level() const {
 }
 
 std::string SpecNode::getTag() const {
-  std::string tag = _name;
-  for (const SpecNode* n = _parent; n; n = n->_parent) tag = n->_name + "." + tag;
+  // Tags are built for every node of large hierarchies: size once, copy once.
+  std::size_t size = 0;
+  for (const SpecNode* n = this; n; n = n->_parent) size += n->_name.size() + 1;
+  std::string tag(size - 1, '.');
+  std::size_t end = tag.size();
+  for (const SpecNode* n = this; n; n = n->_parent) {
+    end -= n->_name.size();
+    tag.replace(end, n->_name.size(), n->_name);
+    if (end > 0) --end;  // the point before this name
+  }
   return tag;
 }
