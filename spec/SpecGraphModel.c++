@@ -4,6 +4,7 @@
 
 #include <cassert>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include "idb/StringSet.h"
@@ -79,7 +80,7 @@ SpecNode* SpecGraphModel::addRoot(std::unique_ptr<SpecNode> node) {
 }
 
 SpecNode* SpecGraphModel::addChild(SpecNode* parent, std::unique_ptr<SpecNode> node) {
-  assert(parent && parent->_graph == this);
+  assert(parent && parent->_graph == this && "SpecGraph.c++");
   return attach(parent, std::move(node));
 }
 
@@ -419,7 +420,11 @@ bool SpecGraphModel::abandonChanges() {
 
 void SpecGraphModel::saveTree(std::FILE* fp, const SpecNode* node) const {
   int level = node->level();
-  assert((level >= 1) && (level <= 3) && "SpecGraph.c++");
+  // Checked in every build: the level picks the layout below.
+  if (!((level >= 1) && (level <= 3))) {
+    std::fprintf(stderr, "SpecGraph.c++: assertion failed: (level >= 1) && (level <= 3)\n");
+    std::abort();
+  }
   const char* name = node->label().c_str();
   const char* id = node->_id.c_str();
   switch (level) {

@@ -518,3 +518,18 @@ TEST_F(SpecGraphModelTest, SaveAsksForAName) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SpecWriterDeathTest, NodeBelowASubsystemIsAProgrammingError) {
+  RecordingReporter reporter;
+  SpecGraphModel graph(&reporter);
+  SpecNode* s = graph.addChild(graph.addChild(graph.addRoot(graph.add("p")), graph.add("i")),
+                               graph.add("s"));
+  SpecNode* deep = graph.addChild(s, graph.add("x"));
+  EXPECT_EQ(4, graph.getLevel(deep));
+  EXPECT_DEATH(graph.saveTree(stderr, deep),
+               "SpecGraph.c\\+\\+: assertion failed: \\(level >= 1\\) && \\(level <= 3\\)");
+}
+
+}  // namespace
