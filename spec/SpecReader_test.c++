@@ -165,6 +165,26 @@ TEST_F(SpecReaderTest, RichFileRoundTrip) {
   EXPECT_EQ(second, written(graph));
 }
 
+TEST_F(SpecReaderTest, RulesWithBlankLinesRoundTrip) {
+  SpecNode* p = graph.addRoot(graph.add("p"));
+  SpecNode* i = graph.addChild(p, graph.add("i"));
+  SpecNode* s = graph.addChild(i, graph.add("s"));
+  s->setRules("\nreplaces self\n\n\nprereq (\n    a 0 oldvers\n\n)\nincompat x 0 oldvers\n");
+  std::string path = dir.file("r.spec");
+  ASSERT_TRUE(graph.save(path.c_str()));
+  std::string first = dir.read("r.spec");
+  EXPECT_NE(std::string::npos,
+            first.find("            replaces self\n            prereq (\n                a 0 "
+                       "oldvers\n            )\n            incompat x 0 oldvers\n        "
+                       "endsubsys\n"));
+  SpecGraphModel again(&reporter);
+  ASSERT_TRUE(again.open(path));
+  EXPECT_EQ("replaces self\nprereq (\n    a 0 oldvers\n)\nincompat x 0 oldvers",
+            again.getNode("p.i.s")->rules());
+  ASSERT_TRUE(again.save(nullptr));
+  EXPECT_EQ(first, dir.read("r.spec"));
+}
+
 TEST_F(SpecReaderTest, ItemsAsStored) {
   struct Case {
     const char* name;
