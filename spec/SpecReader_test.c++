@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "spec/SpecGraphModel.h"
+#include "spec/SpecLexer.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
 
@@ -382,6 +383,32 @@ TEST_F(SpecReaderTest, IncludeCyclesEnd) {
     EXPECT_EQ(expected, logged());
     EXPECT_EQ(static_cast<int>(c.messages), graph.lastReadReport().includeFailures);
     EXPECT_EQ("product p\n    id P\nendproduct\n", written(graph));
+  }
+}
+
+TEST_F(SpecReaderTest, IncludeDepthLimit) {
+  struct Case {
+    int depth;  // files included below the top one
+    bool refused;
+  } cases[] = {{kSpecMaxIncludeDepth, false}, {kSpecMaxIncludeDepth + 1, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.depth);
+    reporter.clear();
+    TempDir chain;
+    for (int i = 1; i < c.depth; ++i)
+      chain.write("f" + std::to_string(i) + ".spec", "include f" + std::to_string(i + 1) + ".spec\n");
+    chain.write("f" + std::to_string(c.depth) + ".spec", "product deep id D endproduct\n");
+    std::string top = chain.write("top.spec", "include f1.spec\nproduct top id T endproduct\n");
+    EXPECT_TRUE(graph.open(top));
+    if (c.refused) {
+      std::string last = "f" + std::to_string(c.depth) + ".spec";
+      EXPECT_EQ((std::vector<std::string>{"Include nesting too deep at '" + last + "'."}), logged());
+      EXPECT_EQ("product top\n    id T\nendproduct\n", written(graph));
+    } else {
+      EXPECT_TRUE(logged().empty());
+      EXPECT_EQ("product deep\n    id D\nendproduct\nproduct top\n    id T\nendproduct\n",
+                written(graph));
+    }
   }
 }
 

@@ -1,6 +1,6 @@
 /* Spec file grammar.  The actions build SpecNode objects into the graph that
-   readSpecFile names.  Token numbers are fixed: the lexer and old tools
-   agree on them. */
+   readSpecFile names.  The token numbers are fixed; keep them when adding
+   tokens. */
 %define api.prefix {spec}
 %define parse.error simple
 
