@@ -1,6 +1,7 @@
 // spec_model_bench [N]: times the hierarchy queries on a model of N
 // subsystems (default 100,000): every tag, a lookup of every node by its
-// tag, every level, and patch creation for 1,000 subsystems.
+// tag, every level, patch creation for 1,000 subsystems, and removing
+// everything.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -49,5 +50,12 @@ int main(int argc, char** argv) {
   int patches = tags->count() < 1000 ? tags->count() : 1000;
   for (int i = 0; i < patches; ++i) graph.createPatchSubsystem("patch", (*tags)[i]);
   std::printf("patches   %.3f s (%d)\n", seconds(start), patches);
+
+  // One image holding every subsystem, then everything removed.
+  SpecNode* wide = graph.addChild(graph.addRoot(graph.add("wide")), graph.add("all"));
+  for (long s = 0; s < total; ++s) graph.addChild(wide, graph.add("w" + std::to_string(s)));
+  start = std::chrono::steady_clock::now();
+  graph.removeAll();
+  std::printf("removeAll %.3f s\n", seconds(start));
   return found == tags->count() ? 0 : 1;
 }

@@ -112,7 +112,9 @@ void SpecGraphModel::remove(SpecNode* node) {
   std::vector<std::unique_ptr<SpecNode>>& siblings =
       node->_parent ? node->_parent->_children : _roots;
   removeSubtree(node);
-  for (auto it = siblings.begin(); it != siblings.end(); ++it) {
+  // Searched from the end: removing everything goes from the last product.
+  for (auto it = siblings.end(); it != siblings.begin();) {
+    --it;
     if (it->get() == node) {
       siblings.erase(it);  // destroys the node
       break;
@@ -124,10 +126,11 @@ void SpecGraphModel::remove(SpecNode* node) {
 // Children go first, as the view expects, and the selection never points at
 // a destroyed node.
 void SpecGraphModel::removeSubtree(SpecNode* node) {
-  while (!node->_children.empty()) {
-    SpecNode* child = node->_children.front().get();
-    removeSubtree(child);
-    node->_children.erase(node->_children.begin());
+  std::vector<std::unique_ptr<SpecNode>> children;
+  children.swap(node->_children);
+  for (std::unique_ptr<SpecNode>& child : children) {
+    removeSubtree(child.get());
+    child.reset();
   }
   if (_selected == node) {
     _selected = nullptr;
