@@ -280,6 +280,8 @@ TEST_F(SpecReaderTest, SyntaxErrorsKeepWhatWasRead) {
        "line 2:  syntax error (at '\"')", "p p.i p.i.s"},
       {"bad character", "product p id P\n\x01 endproduct\n",
        "line 2:  bad character '\x01'\n (at '\x01')", "p"},
+      {"NUL byte", std::string("product p id P\n\n\0 endproduct\n", 29),
+       "line 3:  bad character ''\n (at '')", "p"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
