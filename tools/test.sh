@@ -10,13 +10,13 @@ tools/setup.sh
 jobs=${JOBS:-$(nproc)}
 
 echo "== normal build (out/test)"
-cmake -S . -B out/test -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAMBLIN_WERROR=ON >/dev/null
+cmake -S . -B out/test -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAMBLIN_WERROR=ON -DTAMBLIN_UI=ON -DTAMBLIN_SANITIZE=OFF -DTAMBLIN_FUZZ=OFF >/dev/null
 cmake --build out/test -j "$jobs"
 (cd out/test && ctest --output-on-failure -j "$jobs")
 
 echo "== sanitizer build (out/asan)"
 cmake -S . -B out/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-  -DTAMBLIN_SANITIZE=ON -DTAMBLIN_FUZZ=ON -DTAMBLIN_WERROR=ON -DTAMBLIN_BENCH=OFF >/dev/null
+  -DTAMBLIN_SANITIZE=ON -DTAMBLIN_FUZZ=ON -DTAMBLIN_WERROR=ON -DTAMBLIN_UI=ON -DTAMBLIN_BENCH=OFF >/dev/null
 cmake --build out/asan -j "$jobs"
 (cd out/asan && ctest --output-on-failure -j "$jobs")
