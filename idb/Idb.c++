@@ -99,7 +99,7 @@ std::uint64_t keyAt(const char* s) {
   std::uint64_t k = 0;
   int i = 0;
   for (; i < 8 && s[i]; ++i) k = (k << 8) | static_cast<unsigned char>(s[i]);
-  return i == 8 ? k : k << (8 * (8 - i));
+  return i == 8 ? k : i == 0 ? 0 : k << (8 * (8 - i));
 }
 
 void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
