@@ -62,18 +62,25 @@ void appendOctal(std::string& out, std::uint32_t mode) {
   while (n) out += digits[--n];
 }
 
-void appendRecord(std::string& out, const idb& r) {
-  out += r.type();
-  out += ' ';
-  appendOctal(out, r.mode());
-  for (std::string_view f : {r.owner(), r.group(), r.dstpath(), r.srcpath(), r.tag()}) {
-    out += ' ';
-    out += f;
+int octalDigits(std::uint32_t mode) {
+  int n = 1;
+  while (mode >>= 3) ++n;
+  return n < 4 ? 4 : n;
+}
+
+// The mode field is read as strtol in base 8 reads it (sign, blanks, any
+// length), masked to 16 bits.  The usual plain digits are read directly;
+// canonical stays true only for what "%04o" would have written.
+std::uint16_t parseMode(const char* t, bool& canonical) {
+  std::uint32_t v = 0;
+  int n = 0;
+  for (; n < 7 && t[n] >= '0' && t[n] <= '7'; ++n) v = v * 8 + static_cast<std::uint32_t>(t[n] - '0');
+  if (t[n] != '\0' || n == 0 || n == 7) {
+    canonical = false;
+    return static_cast<std::uint16_t>(std::strtol(t, nullptr, 8) & 0xFFFF);
   }
-  for (int a = 0; a < r.nattrs(); ++a) {
-    out += ' ';
-    out += r.attr(a);
-  }
+  if (v > 0xFFFF || n < 4 || (n > 4 && t[0] == '0')) canonical = false;
+  return static_cast<std::uint16_t>(v & 0xFFFF);
 }
 
 bool isDerived(std::string_view attr) {
@@ -133,8 +140,14 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
 
 std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::size_t n = records.size();
-  std::vector<SortKey> keys(n);
-  std::vector<SortKey> tmp(n);
+  std::vector<SortKey> keys;
+  keys.reserve(n);
+  TextArena::preferLargePages(keys.data(), n * sizeof(SortKey));
+  keys.resize(n);
+  std::vector<SortKey> tmp;
+  tmp.reserve(n);
+  TextArena::preferLargePages(tmp.data(), n * sizeof(SortKey));
+  tmp.resize(n);
   for (std::size_t i = 0; i < n; ++i) {
     const char* path = records[i].dstpath().data();
     keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
@@ -257,9 +270,15 @@ void Idb::indexAdded(int i) {
 std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) {
   if (begin < end && *begin == '#') return std::nullopt;
   char* p = begin;
+  // Whether the line is exactly as the writer would write it: single blanks,
+  // a one-letter type, a canonical mode, nothing trailing.
+  bool tight = true;
   // Fields are separated by runs of blanks; each token is cut out in place.
-  auto token = [&p, end]() -> char* {
-    while (p < end && *p == ' ') ++p;
+  auto token = [&p, end, &tight]() -> char* {
+    if (p < end && *p == ' ') {
+      tight = false;
+      while (p < end && *p == ' ') ++p;
+    }
     if (p == end) return nullptr;
     char* t = p;
     while (p < end && *p != ' ') ++p;
@@ -274,8 +293,9 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
   }
   idb r;
   r._type = t[0];
+  tight = tight && t[1] == '\0';
   if (!(t = token())) return std::string("Expected mode in field 2");
-  r._mode = static_cast<std::uint32_t>(std::strtol(t, nullptr, 8)) & 0xFFFF;
+  r._mode = parseMode(t, tight);
   static const char* const kMissing[] = {"Expected owner in field 3", "Expected group in field 4",
                                          "Expected destination path in field 5",
                                          "Expected source path in field 6",
@@ -285,9 +305,12 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
     if (!(t = token())) return std::string(kMissing[f]);
     *fields[f] = t;
   }
+  if (p == end && p[-1] == '\0') tight = false;  // a blank after the tag and nothing more
   _scratch.clear();
-  if (p < end) splitAttributes(p, _scratch);
+  if (p < end) splitAttributes(p, _scratch, &tight);
   if (!_scratch.empty()) setAttributes(r, _scratch.data(), _scratch.size(), false);
+  std::size_t length = static_cast<std::size_t>(end - begin);
+  if (tight && length <= UINT32_MAX) r._lineLength = static_cast<std::uint32_t>(length);
   _records.push_back(r);
   indexAdded(count() - 1);
   return std::nullopt;
@@ -302,7 +325,7 @@ std::optional<std::string> Idb::read(std::string_view line) {
   return parseLine(text, text + line.size(), newline);
 }
 
-void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
+void Idb::splitAttributes(char* text, std::vector<const char*>& out, bool* tight) const {
   char* p = text;
   char* start = nullptr;
   while (*p) {
@@ -312,6 +335,8 @@ void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
         *p = '\0';
         out.push_back(start);
         start = nullptr;
+      } else if (tight) {
+        *tight = false;  // a blank that separates nothing
       }
       ++p;
       continue;
@@ -327,6 +352,7 @@ void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
     }
   }
   if (start) out.push_back(start);
+  else if (tight && p > text) *tight = false;  // ends in a blank
 }
 
 void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool keepOld) {
@@ -341,6 +367,7 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
     r._attrRoom = static_cast<std::uint32_t>(room);
   }
   if (n) std::copy(attrs, attrs + n, r._attrs + old);
+  r._lineLength = 0;
   r._nattrs = static_cast<std::int32_t>(total);
   if (!total) {
     r._attrs = nullptr;
@@ -358,7 +385,11 @@ std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const s
     ++lines;
   // Room for every line at once, still doubling when many small files come in.
   std::size_t need = _records.size() + lines + 1;
-  if (need > _records.capacity()) _records.reserve(std::max(need, 2 * _records.capacity()));
+  if (need > _records.capacity()) {
+    _records.reserve(std::max(need, 2 * _records.capacity()));
+    TextArena::preferLargePages(_records.data() + _records.size(),
+                                (_records.capacity() - _records.size()) * sizeof(idb));
+  }
   int lineNo = 1;
   for (char* p = text; p < end; ++lineNo) {
     char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
@@ -436,6 +467,33 @@ std::optional<std::string> Idb::readText(std::string_view text, const std::strin
 
 // ---- Writing
 
+void Idb::appendLine(std::string& out, const idb& r) {
+  if (std::size_t lineLength = r._lineLength) {
+    // The record still lies in its line as the writer would format it: copy
+    // the line and put back the blanks where the reader cut the fields.
+    const char* line = r._owner - octalDigits(r._mode) - 3;
+    std::size_t at = out.size();
+    out.append(line, lineLength);
+    char* o = &out[at];
+    o[1] = ' ';
+    for (const char* f : {r._owner, r._group, r._dstpath, r._srcpath, r._tag}) o[f - line - 1] = ' ';
+    for (int a = 0; a < r._nattrs; ++a) o[r._attrs[a] - line - 1] = ' ';
+    return;
+  }
+  out += r.type();
+  out += ' ';
+  appendOctal(out, r.mode());
+  for (std::string_view f : {r.owner(), r.group(), r.dstpath(), r.srcpath(), r.tag()}) {
+    out += ' ';
+    out += f;
+  }
+  for (int a = 0; a < r.nattrs(); ++a) {
+    out += ' ';
+    out += r.attr(a);
+  }
+}
+
+
 int Idb::save(const std::string& file) {
   std::string target = file.empty() ? _name : file;
   if (target.empty()) return ENOENT;
@@ -454,7 +512,7 @@ int Idb::save(const std::string& file) {
       __builtin_prefetch(ahead + 64);
       __builtin_prefetch(ahead + 128);
     }
-    appendRecord(buf, _records[i]);
+    appendLine(buf, _records[i]);
     buf += '\n';
     if (buf.size() >= kFlushAt) {
       if (std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size()) return errno ? errno : EIO;
@@ -471,7 +529,7 @@ int Idb::save(const std::string& file) {
 void Idb::write(std::string& buf, unsigned i) const {
   if (i >= _records.size()) return;
   buf.clear();
-  appendRecord(buf, _records[i]);
+  appendLine(buf, _records[i]);
 }
 
 std::string Idb::line(int i) const {
@@ -522,7 +580,7 @@ int Idb::addRecord(char type, std::uint32_t mode, std::string_view owner, std::s
                    const std::vector<std::string>& attrs) {
   idb r;
   r._type = type;
-  r._mode = mode & 0xFFFF;
+  r._mode = static_cast<std::uint16_t>(mode & 0xFFFF);
   r._owner = _arena.copy(owner);
   r._group = _arena.copy(group);
   r._dstpath = _arena.copy(dstpath);
@@ -560,7 +618,7 @@ void Idb::deleteItem(int i) {
   idb* r = record(i);
   if (!r) return;
   char t = r->_type;
-  std::uint32_t mode = r->_mode;
+  std::uint16_t mode = r->_mode;
   *r = idb();
   r->_type = t;
   r->_mode = mode;
@@ -583,6 +641,7 @@ void Idb::sort() {
   // fetched ahead while the current one is copied.
   std::vector<idb> sorted;
   sorted.reserve(_records.capacity());
+  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
   constexpr std::size_t kAhead = 8;
   for (std::size_t j = 0; j < order.size(); ++j) {
     if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
@@ -595,27 +654,45 @@ void Idb::sort() {
 // ---- Field edits
 
 void Idb::setType(int i, char t) {
-  if (idb* r = record(i)) r->_type = t;
+  if (idb* r = record(i)) {
+    r->_type = t;
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setMode(int i, std::uint32_t mode) {
-  if (idb* r = record(i)) r->_mode = mode & 0xFFFF;
+  if (idb* r = record(i)) {
+    r->_mode = static_cast<std::uint16_t>(mode & 0xFFFF);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setOwner(int i, std::string_view owner) {
-  if (idb* r = record(i)) r->_owner = _arena.copy(owner);
+  if (idb* r = record(i)) {
+    r->_owner = _arena.copy(owner);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setGroup(int i, std::string_view group) {
-  if (idb* r = record(i)) r->_group = _arena.copy(group);
+  if (idb* r = record(i)) {
+    r->_group = _arena.copy(group);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setSrcpath(int i, std::string_view srcpath) {
-  if (idb* r = record(i)) r->_srcpath = _arena.copy(srcpath);
+  if (idb* r = record(i)) {
+    r->_srcpath = _arena.copy(srcpath);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setTag(int i, std::string_view tag) {
-  if (idb* r = record(i)) r->_tag = _arena.copy(tag);
+  if (idb* r = record(i)) {
+    r->_tag = _arena.copy(tag);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setDstpath(int i, std::string_view dstpath) {
@@ -623,6 +700,7 @@ void Idb::setDstpath(int i, std::string_view dstpath) {
   if (!r) return;
   std::string_view old = r->dstpath();
   r->_dstpath = _arena.copy(dstpath);
+  r->_lineLength = 0;
   if (!_indexValid) return;
   auto it = _index.find(old);
   if (it != _index.end() && it->second == i) {

@@ -69,9 +69,13 @@ class idb {
   const char* _srcpath = "";
   const char* _tag = "";
   const char** _attrs = nullptr;  // _nattrs used, _attrRoom allocated
-  std::uint32_t _mode = 0;
   std::int32_t _nattrs = 0;
   std::uint32_t _attrRoom = 0;
+  // Length of the line this record was read from when that line is exactly
+  // what the writer would produce (its fields still lie in it, cut apart by
+  // NULs); 0 once the record is edited or when it was read otherwise.
+  std::uint32_t _lineLength = 0;
+  std::uint16_t _mode = 0;
   char _type = 'f';
 };
 
@@ -184,8 +188,9 @@ class Idb {
   std::optional<std::string> readBuffer(char* text, std::size_t size, const std::string& file);
   std::optional<std::string> load(const std::string& file, const char* openFormat, bool withReason,
                                   bool replace);
-  void splitAttributes(char* text, std::vector<const char*>& out) const;
+  void splitAttributes(char* text, std::vector<const char*>& out, bool* tight = nullptr) const;
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
+  static void appendLine(std::string& out, const idb& r);
   idb* record(int i);
   void indexChanged() { _indexValid = false; }
   void indexAdded(int i);
