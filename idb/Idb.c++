@@ -10,13 +10,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <system_error>
+#include <thread>
 
 #include "util/AtomicFile.h"
 
 namespace {
 
-// Output is formatted into one buffer and handed to stdio in large pieces.
-constexpr std::size_t kFlushAt = 1 << 20;
+// From this size on, reading, sorting and writing share the work with a
+// helper thread (below it the thread costs more than it saves).
+constexpr std::size_t kParallelBytes = 4 << 20;
+constexpr std::size_t kParallelRecords = 50000;
 
 std::string readMessage(const std::string& file, const std::string& what, int line) {
   return "Couldn't read idb '" + file + "' (" + what + " on line " + std::to_string(line) + ").";
@@ -138,6 +142,41 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
   if (from != a) std::copy(from, from + n, a);
 }
 
+struct Range {
+  std::size_t begin, size;
+};
+
+// Adds the runs of equal keys in the sorted range r that still need the next
+// eight bytes to be told apart.
+void pushTies(const SortKey* keys, Range r, std::vector<Range>& work) {
+  const SortKey* a = keys + r.begin;
+  for (std::size_t i = 0; i < r.size;) {
+    std::size_t j = i + 1;
+    while (j < r.size && a[j].key == a[i].key) ++j;
+    // A key whose last byte is 0 holds the end of both paths: they are equal.
+    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
+    i = j;
+  }
+}
+
+// Orders every range of work, and the ties found in them, by the next bytes.
+void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
+  while (!work.empty()) {
+    Range r = work.back();
+    work.pop_back();
+    SortKey* a = keys + r.begin;
+    // The paths lie all over memory; fetching ahead hides the wait.
+    constexpr std::size_t kAhead = 16;
+    for (std::size_t i = 0; i < r.size; ++i) {
+      if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
+      a[i].path += 8;
+      a[i].key = keyAt(a[i].path);
+    }
+    radixSort(a, tmp + r.begin, r.size);
+    pushTies(keys, r, work);
+  }
+}
+
 std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::size_t n = records.size();
   std::vector<SortKey> keys;
@@ -152,36 +191,35 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
     const char* path = records[i].dstpath().data();
     keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
   }
+  radixSort(keys.data(), tmp.data(), n);
+  std::vector<Range> ties;
+  pushTies(keys.data(), {0, n}, ties);
 
-  struct Range {
-    std::size_t begin, size;
-  };
-  std::vector<Range> work{{0, n}};
-  bool first = true;
-  while (!work.empty()) {
-    Range r = work.back();
-    work.pop_back();
-    SortKey* a = keys.data() + r.begin;
-    if (!first) {
-      // The ties of the previous round: fetch their next eight bytes.  The
-      // paths lie all over memory; fetching ahead hides the wait.
-      constexpr std::size_t kAhead = 16;
-      for (std::size_t i = 0; i < r.size; ++i) {
-        if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
-        a[i].path += 8;
-        a[i].key = keyAt(a[i].path);
-      }
-    }
-    first = false;
-    radixSort(a, tmp.data(), r.size);
-    for (std::size_t i = 0; i < r.size;) {
-      std::size_t j = i + 1;
-      while (j < r.size && a[j].key == a[i].key) ++j;
-      // A key whose last byte is 0 holds the end of both paths: they are equal.
-      if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
-      i = j;
+  // The runs of ties are independent of each other: a helper thread takes
+  // about half of them (by size).
+  std::vector<Range> helperShare;
+  if (n >= kParallelRecords) {
+    std::size_t total = 0;
+    for (const Range& r : ties) total += r.size;
+    std::size_t mine = 0;
+    std::size_t cut = 0;
+    while (cut < ties.size() && mine < total / 2) mine += ties[cut++].size;
+    helperShare.assign(ties.begin() + static_cast<std::ptrdiff_t>(cut), ties.end());
+    ties.resize(cut);
+  }
+  std::thread helper;
+  if (!helperShare.empty()) {
+    try {
+      helper = std::thread(refine, keys.data(), tmp.data(), helperShare);
+      helperShare.clear();
+    } catch (const std::system_error&) {
+      // No thread: all of it is done here.
     }
   }
+  refine(keys.data(), tmp.data(), std::move(ties));
+  refine(keys.data(), tmp.data(), std::move(helperShare));
+  if (helper.joinable()) helper.join();
+
   std::vector<std::uint32_t> order(n);
   for (std::size_t i = 0; i < n; ++i) order[i] = keys[i].index;
   return order;
@@ -375,31 +413,88 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
   }
 }
 
-std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
-  char* end = text + size;
-  char* nul = static_cast<char*>(std::memchr(text, '\0', size));
-  std::size_t lines = 0;
-  for (const char* p = text;
-       (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))));
-       ++p)
-    ++lines;
-  // Room for every line at once, still doubling when many small files come in.
-  std::size_t need = _records.size() + lines + 1;
-  if (need > _records.capacity()) {
-    _records.reserve(std::max(need, 2 * _records.capacity()));
-    TextArena::preferLargePages(_records.data() + _records.size(),
-                                (_records.capacity() - _records.size()) * sizeof(idb));
-  }
-  int lineNo = 1;
+std::optional<std::string> Idb::parseLines(char* text, char* end, const char* nul, int firstLine,
+                                           int& badLine) {
+  int lineNo = firstLine;
   for (char* p = text; p < end; ++lineNo) {
     char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
     char* lineEnd = nl ? nl : end;
-    if (nul && nul < lineEnd) return readMessage(file, "Unexpected NUL byte", lineNo);
-    if (nl) *nl = '\0';
-    if (auto message = parseLine(p, lineEnd, nl != nullptr))
-      return readMessage(file, *message, lineNo);
+    std::optional<std::string> message;
+    if (nul && nul >= p && nul < lineEnd) {
+      message = "Unexpected NUL byte";
+    } else {
+      if (nl) *nl = '\0';
+      message = parseLine(p, lineEnd, nl != nullptr);
+    }
+    if (message) {
+      badLine = lineNo;
+      return message;
+    }
     p = nl ? nl + 1 : end;
   }
+  return std::nullopt;
+}
+
+void Idb::reserveRecords(std::size_t more) {
+  // Room for every line at once, still doubling when many small files come in.
+  std::size_t need = _records.size() + more;
+  if (need <= _records.capacity()) return;
+  _records.reserve(std::max(need, 2 * _records.capacity()));
+  TextArena::preferLargePages(_records.data() + _records.size(),
+                              (_records.capacity() - _records.size()) * sizeof(idb));
+}
+
+std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
+  char* end = text + size;
+  const char* nul = static_cast<const char*>(std::memchr(text, '\0', size));
+  auto countLines = [](const char* from, const char* to) {
+    std::size_t n = 0;
+    while ((from = static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(to - from)))))
+      ++n, ++from;
+    return n;
+  };
+  // A large file is read in two halves at once, the second by a helper
+  // thread into a database of its own, which is then put behind the first.
+  char* split = nullptr;
+  if (size >= kParallelBytes) {
+    split = static_cast<char*>(std::memchr(text + size / 2, '\n', size - size / 2));
+    if (split) ++split;
+  }
+  int badLine = 0;
+  if (!split) {
+    reserveRecords(countLines(text, end) + 1);
+    if (auto message = parseLines(text, end, nul, 1, badLine))
+      return readMessage(file, *message, badLine);
+    return std::nullopt;
+  }
+  std::size_t firstLines = countLines(text, split);
+  std::size_t secondLines = countLines(split, end) + 1;
+  reserveRecords(firstLines + secondLines);
+  Idb second;
+  second.reserveRecords(secondLines);
+  std::optional<std::string> secondMessage;
+  int secondBad = 0;
+  auto parseSecond = [&]() {
+    secondMessage = second.parseLines(split, end, nul, static_cast<int>(firstLines) + 1, secondBad);
+  };
+  bool helped = false;
+  std::thread helper;
+  try {
+    helper = std::thread(parseSecond);
+    helped = true;
+  } catch (const std::system_error&) {
+    // No thread to be had: the second half waits its turn below.
+  }
+  auto message = parseLines(text, split, nul, 1, badLine);
+  if (helped) helper.join();
+  if (message) return readMessage(file, *message, badLine);
+  if (!helped) parseSecond();
+  for (const idb& r : second._records) {
+    _records.push_back(r);
+    indexAdded(count() - 1);
+  }
+  _arena.adopt(second._arena);
+  if (secondMessage) return readMessage(file, *secondMessage, secondBad);
   return std::nullopt;
 }
 
@@ -494,33 +589,62 @@ void Idb::appendLine(std::string& out, const idb& r) {
 }
 
 
+void Idb::formatLines(std::string& out, std::size_t from, std::size_t to) const {
+  out.clear();
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t i = from; i < to; ++i) {
+    // After sorting, consecutive records point all over the text: fetch the
+    // fields of a later line while this one is formatted.
+    if (i + kAhead < to) {
+      const char* ahead = _records[i + kAhead]._owner;
+      __builtin_prefetch(ahead);
+      __builtin_prefetch(ahead + 64);
+      __builtin_prefetch(ahead + 128);
+    }
+    appendLine(out, _records[i]);
+    out += '\n';
+  }
+}
+
 int Idb::save(const std::string& file) {
   std::string target = file.empty() ? _name : file;
   if (target.empty()) return ENOENT;
   AtomicFile out(target);
   if (int err = out.open()) return err;
   sort();
-  std::string buf;
-  buf.reserve(kFlushAt + 4096);
-  constexpr std::size_t kAhead = 8;
-  for (std::size_t i = 0; i < _records.size(); ++i) {
-    // After sorting, consecutive records point all over the text: fetch the
-    // fields of a later line while this one is formatted.
-    if (i + kAhead < _records.size()) {
-      const char* ahead = _records[i + kAhead]._owner;
-      __builtin_prefetch(ahead);
-      __builtin_prefetch(ahead + 64);
-      __builtin_prefetch(ahead + 128);
+
+  // Lines are formatted in pieces of kChunk records; for a large database a
+  // helper thread formats every second piece while this one writes.
+  constexpr std::size_t kChunk = 8192;
+  std::size_t n = _records.size();
+  bool parallel = n >= kParallelRecords;
+  std::string mine, theirs;
+  auto emit = [&out](const std::string& text) {
+    return text.empty() || std::fwrite(text.data(), 1, text.size(), out.stream()) == text.size();
+  };
+  for (std::size_t at = 0; at < n;) {
+    std::size_t mid = std::min(at + kChunk, n);
+    std::size_t stop = std::min(mid + kChunk, n);
+    std::thread helper;
+    if (parallel && mid < stop) {
+      try {
+        helper = std::thread([this, &theirs, mid, stop]() { formatLines(theirs, mid, stop); });
+      } catch (const std::system_error&) {
+        parallel = false;
+      }
     }
-    appendLine(buf, _records[i]);
-    buf += '\n';
-    if (buf.size() >= kFlushAt) {
-      if (std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size()) return errno ? errno : EIO;
-      buf.clear();
+    formatLines(mine, at, mid);
+    bool ok = emit(mine);
+    int err = errno;
+    if (helper.joinable()) helper.join();
+    else formatLines(theirs, mid, stop);
+    if (ok) {
+      ok = emit(theirs);
+      err = errno;
     }
+    if (!ok) return err ? err : EIO;
+    at = stop;
   }
-  if (!buf.empty() && std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size())
-    return errno ? errno : EIO;
   if (int err = out.commit()) return err;
   if (_name.empty()) _name = target;
   return 0;
@@ -637,17 +761,28 @@ void Idb::clear() {
 void Idb::sort() {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
-  // Gathered into a new array: the reads jump about, so the next ones are
-  // fetched ahead while the current one is copied.
-  std::vector<idb> sorted;
-  sorted.reserve(_records.capacity());
-  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
-  constexpr std::size_t kAhead = 8;
-  for (std::size_t j = 0; j < order.size(); ++j) {
-    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
-    sorted.push_back(_records[order[j]]);
+  // The permutation is applied in place, cycle by cycle (a second array of
+  // records would add half again to the memory of a large database).  Each
+  // cycle jumps about in memory, so a walker a few steps ahead on the same
+  // cycle fetches the records before they are needed.
+  constexpr int kAhead = 8;
+  for (std::uint32_t j = 0; j < order.size(); ++j) {
+    if (order[j] == j) continue;
+    std::uint32_t ahead = j;
+    for (int s = 0; s < kAhead && (ahead = order[ahead]) != j; ++s)
+      __builtin_prefetch(&_records[ahead]);
+    idb held = _records[j];
+    std::uint32_t k = j;
+    while (order[k] != j) {
+      std::uint32_t from = order[k];
+      _records[k] = _records[from];
+      order[k] = k;
+      k = from;
+      if (ahead != j && (ahead = order[ahead]) != j) __builtin_prefetch(&_records[ahead]);
+    }
+    _records[k] = held;
+    order[k] = k;
   }
-  _records.swap(sorted);
   indexChanged();
 }
 

@@ -186,11 +186,15 @@ class Idb {
  private:
   std::optional<std::string> parseLine(char* begin, char* end, bool newline);
   std::optional<std::string> readBuffer(char* text, std::size_t size, const std::string& file);
+  std::optional<std::string> parseLines(char* text, char* end, const char* nul, int firstLine,
+                                        int& badLine);
+  void reserveRecords(std::size_t more);
   std::optional<std::string> load(const std::string& file, const char* openFormat, bool withReason,
                                   bool replace);
   void splitAttributes(char* text, std::vector<const char*>& out, bool* tight = nullptr) const;
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);
+  void formatLines(std::string& out, std::size_t from, std::size_t to) const;
   idb* record(int i);
   void indexChanged() { _indexValid = false; }
   void indexAdded(int i);
