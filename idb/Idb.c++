@@ -517,6 +517,7 @@ std::optional<std::string> Idb::load(const std::string& file, const char* openFo
   char* text = nullptr;
   TextArena incoming;
   bool regular = fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode);
+  errno = 0;
   if (regular) {
     std::size_t want = static_cast<std::size_t>(st.st_size);
     text = incoming.buffer(want);
@@ -529,9 +530,11 @@ std::optional<std::string> Idb::load(const std::string& file, const char* openFo
   if (err) return openFailure(err);
   if (!extra.empty() || !text) {
     // The file grew while it was read, or it is not a regular file.
-    char* joined = incoming.buffer(size + extra.size());
+    TextArena whole;
+    char* joined = whole.buffer(size + extra.size());
     if (size) std::memcpy(joined, text, size);
     if (!extra.empty()) std::memcpy(joined + size, extra.data(), extra.size());
+    incoming = whole;  // drops the first, partial buffer
     text = joined;
     size += extra.size();
     joined[size] = '\0';

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -405,6 +406,26 @@ TEST(IdbFileTest, LargeFilesMatchLineByLineReading) {
       EXPECT_EQ(lines(before), lines(partial));
     }
   }
+}
+
+TEST(IdbFileTest, ReadsFromPipes) {
+  TempDir dir;
+  std::string fifo = dir.file("pipe.idb");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  std::string text;
+  for (int i = 0; i < 3000; ++i) text += "f 0644 root sys d" + std::to_string(i) + " s t\n";
+  std::thread writer([&]() {
+    std::FILE* f = std::fopen(fifo.c_str(), "w");
+    if (!f) return;
+    std::fwrite(text.data(), 1, text.size(), f);
+    std::fclose(f);
+  });
+  Idb db;
+  auto message = db.open(fifo);
+  writer.join();
+  EXPECT_FALSE(message);
+  ASSERT_EQ(3000, db.count());
+  EXPECT_EQ("f 0644 root sys d2999 s t", db.line(2999));
 }
 
 // ---- Editing
