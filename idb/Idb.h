@@ -18,13 +18,14 @@
 // - Numbering is deliberately mixed: operator[], the setters, deleteItem and
 //   write take a ZERO-based index; addAttribute, deleteAttributes, remove and
 //   parseAttributes take a ONE-based item number (item n is index n-1).
-// - Record pointers and string views stay valid until the next call that
-//   adds or removes records (read, add, addRecord, append, open, remove,
-//   operator=, clear); views of field values stay valid as long as the Idb
-//   (or a copy made with operator=) lives, even after the field is set anew.
-//   Every view is NUL-terminated, so view.data() may be used as a C string.
-// - Values are stored as given; the caller keeps blanks and newlines out of
-//   fields (they would not read back as the same record).
+// - Record pointers stay valid until the next call that adds, removes or
+//   reorders records (read, readText, add, addRecord, append, open, remove,
+//   removeItems, sort, save, operator=, clear).  Views of field values stay
+//   valid, even after the field is set anew, until open(), clear() or
+//   operator= on this Idb or its end, and as long as a copy made with
+//   operator= still holds them.  Every view is NUL-terminated: view.data() is a C string.
+// - Values are stored as given (up to a NUL); the caller keeps blanks and
+//   newlines out of fields (they would not read back as the same record).
 #ifndef TAMBLIN_IDB_IDB_H
 #define TAMBLIN_IDB_IDB_H
 
