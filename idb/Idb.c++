@@ -179,21 +179,21 @@ void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
 
 std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::size_t n = records.size();
-  std::vector<SortKey> keys;
-  keys.reserve(n);
-  TextArena::preferLargePages(keys.data(), n * sizeof(SortKey));
-  keys.resize(n);
-  std::vector<SortKey> tmp;
-  tmp.reserve(n);
-  TextArena::preferLargePages(tmp.data(), n * sizeof(SortKey));
-  tmp.resize(n);
+  // Keys and the radix sort's scratch space in one allocation, which the
+  // C library then gives back to the system as a whole when done.
+  std::vector<SortKey> space;
+  space.reserve(2 * n);
+  TextArena::preferLargePages(space.data(), 2 * n * sizeof(SortKey));
+  space.resize(2 * n);
+  SortKey* keys = space.data();
+  SortKey* tmp = keys + n;
   for (std::size_t i = 0; i < n; ++i) {
     const char* path = records[i].dstpath().data();
     keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
   }
-  radixSort(keys.data(), tmp.data(), n);
+  radixSort(keys, tmp, n);
   std::vector<Range> ties;
-  pushTies(keys.data(), {0, n}, ties);
+  pushTies(keys, {0, n}, ties);
 
   // The runs of ties are independent of each other: a helper thread takes
   // about half of them (by size).
@@ -210,14 +210,14 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::thread helper;
   if (!helperShare.empty()) {
     try {
-      helper = std::thread(refine, keys.data(), tmp.data(), helperShare);
+      helper = std::thread(refine, keys, tmp, helperShare);
       helperShare.clear();
     } catch (const std::system_error&) {
       // No thread: all of it is done here.
     }
   }
-  refine(keys.data(), tmp.data(), std::move(ties));
-  refine(keys.data(), tmp.data(), std::move(helperShare));
+  refine(keys, tmp, std::move(ties));
+  refine(keys, tmp, std::move(helperShare));
   if (helper.joinable()) helper.join();
 
   std::vector<std::uint32_t> order(n);
@@ -764,28 +764,19 @@ void Idb::clear() {
 void Idb::sort() {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
-  // The permutation is applied in place, cycle by cycle (a second array of
-  // records would add half again to the memory of a large database).  Each
-  // cycle jumps about in memory, so a walker a few steps ahead on the same
-  // cycle fetches the records before they are needed.
-  constexpr int kAhead = 8;
-  for (std::uint32_t j = 0; j < order.size(); ++j) {
-    if (order[j] == j) continue;
-    std::uint32_t ahead = j;
-    for (int s = 0; s < kAhead && (ahead = order[ahead]) != j; ++s)
-      __builtin_prefetch(&_records[ahead]);
-    idb held = _records[j];
-    std::uint32_t k = j;
-    while (order[k] != j) {
-      std::uint32_t from = order[k];
-      _records[k] = _records[from];
-      order[k] = k;
-      k = from;
-      if (ahead != j && (ahead = order[ahead]) != j) __builtin_prefetch(&_records[ahead]);
-    }
-    _records[k] = held;
-    order[k] = k;
+  // Gathered into a new array: the reads jump about, but their order is
+  // known in advance, so the records are fetched well before they are
+  // copied.  (Following the permutation's cycles in place would save the
+  // second array but waits on memory at every step.)
+  std::vector<idb> sorted;
+  sorted.reserve(_records.capacity());
+  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
+  constexpr std::size_t kAhead = 16;
+  for (std::size_t j = 0; j < order.size(); ++j) {
+    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
+    sorted.push_back(_records[order[j]]);
   }
+  _records.swap(sorted);
   indexChanged();
 }
 
