@@ -24,8 +24,9 @@
 //   valid, even after the field is set anew, until open(), clear() or
 //   operator= on this Idb or its end, and as long as a copy made with
 //   operator= still holds them.  Every view is NUL-terminated: view.data() is a C string.
-// - Values are stored as given (up to a NUL); the caller keeps blanks and
-//   newlines out of fields (they would not read back as the same record).
+// - Values are stored as given (up to a NUL); the caller keeps fields
+//   non-empty and free of blanks and newlines (else they would not read
+//   back as the same record).
 #ifndef TAMBLIN_IDB_IDB_H
 #define TAMBLIN_IDB_IDB_H
 
