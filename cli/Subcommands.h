@@ -11,5 +11,6 @@ struct Subcommand {
 };
 
 int formatCommand(int argc, char** argv);
+int sortCommand(int argc, char** argv);
 
 #endif

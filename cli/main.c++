@@ -9,6 +9,7 @@ namespace {
 const Subcommand kSubcommands[] = {
     {"format", "SPEC [-o OUT]", "reads a spec file and writes it as the program saves it",
      formatCommand},
+    {"sort", "IDB [-o OUT]", "sorts an idb by destination path (into OUT, or in place)", sortCommand},
     {nullptr, nullptr, nullptr, nullptr},
 };
 
