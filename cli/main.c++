@@ -7,6 +7,8 @@
 namespace {
 
 const Subcommand kSubcommands[] = {
+    {"format", "SPEC [-o OUT]", "reads a spec file and writes it as the program saves it",
+     formatCommand},
     {nullptr, nullptr, nullptr, nullptr},
 };
 
