@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "filelist/AddFilesPartner.h"
@@ -21,6 +20,7 @@
 #include "filelist/FileNamePrompt.h"
 #include "filelist/LineMatcher.h"
 #include "filelist/PermsPartner.h"
+#include "filelist/SourceProbe.h"
 #include "filelist/SpecGraphPartner.h"
 #include "filelist/TagsPartner.h"
 #include "idb/Idb.h"
@@ -122,15 +122,13 @@ std::string FileListModel::join(const std::string& root, const std::string& rela
 // ---- roots -------------------------------------------------------------------
 
 std::vector<int> FileListModel::unfoundItems(const std::string& root) const {
+  std::vector<std::string_view> paths;
+  paths.reserve(_idb->count());
+  for (int i = 0; i < _idb->count(); i++) paths.push_back((*_idb)[i]->srcpath());
+  const std::vector<char> found = SourceProbe(root).exists(paths);
   std::vector<int> missing;
-  std::string path = root == "/" ? "/" : root + "/";
-  const size_t prefix = path.size();
-  struct stat st;
-  for (int i = 0; i < _idb->count(); i++) {
-    path.resize(prefix);
-    path += (*_idb)[i]->srcpath();
-    if (::lstat(path.c_str(), &st) != 0 || st.st_mode == 0) missing.push_back(i + 1);
-  }
+  for (size_t i = 0; i < found.size(); i++)
+    if (!found[i]) missing.push_back(static_cast<int>(i) + 1);
   return missing;
 }
 
@@ -643,28 +641,34 @@ void FileListModel::removeSelected() {
   // Records go from the last selected to the first; a removed record's source
   // path is unmarked in the browser when, at that moment, no remaining record
   // installs to it.  Remaining then are the unselected records and the
-  // selected ones before it, which two tables answer without a search.
-  const int n = _idb->count();
-  std::unordered_set<std::string_view> keptDst;
-  std::unordered_map<std::string_view, int> firstSelectedDst;
-  for (int i = 0; i < n; i++) {
-    std::string_view dst = (*_idb)[i]->dstpath();
-    if (_selected[i])
-      firstSelectedDst.emplace(dst, i);
-    else
-      keptDst.insert(dst);
-  }
+  // selected ones before it.  One pass over the destinations answers that for
+  // every removed source path at once.
+  struct Installers {
+    bool unselected = false;
+    int firstSelected = INT_MAX;
+  };
   std::vector<std::string> unmarks;
-  for (int i = n - 1; i >= 0; i--) {
-    if (!_selected[i]) continue;
-    std::string_view src = (*_idb)[i]->srcpath();
-    if (keptDst.count(src)) continue;
-    auto first = firstSelectedDst.find(src);
-    if (first == firstSelectedDst.end() || first->second >= i) unmarks.emplace_back(src);
+  if (_addPanel) {
+    const int n = _idb->count();
+    std::unordered_map<std::string_view, Installers> removedSources;
+    for (int i = 0; i < n; i++)
+      if (_selected[i]) removedSources.emplace((*_idb)[i]->srcpath(), Installers());
+    for (int i = 0; i < n; i++) {
+      auto found = removedSources.find((*_idb)[i]->dstpath());
+      if (found == removedSources.end()) continue;
+      if (!_selected[i])
+        found->second.unselected = true;
+      else if (i < found->second.firstSelected)
+        found->second.firstSelected = i;
+    }
+    for (int i = n - 1; i >= 0; i--) {
+      if (!_selected[i]) continue;
+      const Installers& by = removedSources[(*_idb)[i]->srcpath()];
+      if (!by.unselected && by.firstSelected >= i) unmarks.emplace_back((*_idb)[i]->srcpath());
+    }
   }
   removeItems(_selected);
-  if (_addPanel)
-    for (const std::string& src : unmarks) _addPanel->unmark(src);
+  for (const std::string& src : unmarks) _addPanel->unmark(src);
   refresh();
   _modified = true;
   deselectAll();
