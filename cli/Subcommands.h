@@ -10,4 +10,6 @@ struct Subcommand {
   int (*run)(int argc, char** argv);
 };
 
+int sortCommand(int argc, char** argv);
+
 #endif

@@ -7,6 +7,7 @@
 namespace {
 
 const Subcommand kSubcommands[] = {
+    {"sort", "IDB [-o OUT]", "sorts an idb by destination path (into OUT, or in place)", sortCommand},
     {nullptr, nullptr, nullptr, nullptr},
 };
 

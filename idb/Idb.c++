@@ -91,15 +91,15 @@ bool isDerived(std::string_view attr) {
 
 struct SortKey {
   std::uint64_t key;
+  const char* path;  // the destination path, to fetch the next key from
   std::uint32_t index;
 };
 
-std::uint64_t keyAt(const char* s, std::size_t depth) {
-  s += depth;
+std::uint64_t keyAt(const char* s) {
   std::uint64_t k = 0;
   int i = 0;
   for (; i < 8 && s[i]; ++i) k = (k << 8) | static_cast<unsigned char>(s[i]);
-  return k << (8 * (8 - i));
+  return i == 8 ? k : i == 0 ? 0 : k << (8 * (8 - i));
 }
 
 void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
@@ -107,14 +107,18 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
     std::stable_sort(a, a + n, [](const SortKey& x, const SortKey& y) { return x.key < y.key; });
     return;
   }
+  // Eight passes of one byte each, from the lowest; a byte that is the same
+  // in every key (common: paths share their first directories) is skipped.
   std::vector<std::size_t> counts(8 * 256, 0);
-  for (std::size_t i = 0; i < n; ++i)
-    for (int b = 0; b < 8; ++b) ++counts[b * 256 + ((a[i].key >> (8 * b)) & 0xFF)];
+  for (std::size_t i = 0; i < n; ++i) {
+    std::uint64_t k = a[i].key;
+    for (int b = 0; b < 8; ++b) ++counts[b * 256 + ((k >> (8 * b)) & 0xFF)];
+  }
   SortKey* from = a;
   SortKey* to = tmp;
   for (int b = 0; b < 8; ++b) {
     std::size_t* c = &counts[b * 256];
-    if (c[(from[0].key >> (8 * b)) & 0xFF] == n) continue;  // every key has this byte
+    if (c[(from[0].key >> (8 * b)) & 0xFF] == n) continue;
     std::size_t sum = 0;
     for (int v = 0; v < 256; ++v) {
       std::size_t k = c[v];
@@ -131,24 +135,37 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::size_t n = records.size();
   std::vector<SortKey> keys(n);
   std::vector<SortKey> tmp(n);
-  for (std::size_t i = 0; i < n; ++i) keys[i].index = static_cast<std::uint32_t>(i);
+  for (std::size_t i = 0; i < n; ++i) {
+    const char* path = records[i].dstpath().data();
+    keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
+  }
 
   struct Range {
-    std::size_t begin, size, depth;
+    std::size_t begin, size;
   };
-  std::vector<Range> work{{0, n, 0}};
+  std::vector<Range> work{{0, n}};
+  bool first = true;
   while (!work.empty()) {
     Range r = work.back();
     work.pop_back();
     SortKey* a = keys.data() + r.begin;
-    for (std::size_t i = 0; i < r.size; ++i)
-      a[i].key = keyAt(records[a[i].index].dstpath().data(), r.depth);
+    if (!first) {
+      // The ties of the previous round: fetch their next eight bytes.  The
+      // paths lie all over memory; fetching ahead hides the wait.
+      constexpr std::size_t kAhead = 16;
+      for (std::size_t i = 0; i < r.size; ++i) {
+        if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
+        a[i].path += 8;
+        a[i].key = keyAt(a[i].path);
+      }
+    }
+    first = false;
     radixSort(a, tmp.data(), r.size);
     for (std::size_t i = 0; i < r.size;) {
       std::size_t j = i + 1;
       while (j < r.size && a[j].key == a[i].key) ++j;
       // A key whose last byte is 0 holds the end of both paths: they are equal.
-      if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i, r.depth + 8});
+      if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
       i = j;
     }
   }
@@ -334,6 +351,14 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
 std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
   char* end = text + size;
   char* nul = static_cast<char*>(std::memchr(text, '\0', size));
+  std::size_t lines = 0;
+  for (const char* p = text;
+       (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))));
+       ++p)
+    ++lines;
+  // Room for every line at once, still doubling when many small files come in.
+  std::size_t need = _records.size() + lines + 1;
+  if (need > _records.capacity()) _records.reserve(std::max(need, 2 * _records.capacity()));
   int lineNo = 1;
   for (char* p = text; p < end; ++lineNo) {
     char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
@@ -419,8 +444,17 @@ int Idb::save(const std::string& file) {
   sort();
   std::string buf;
   buf.reserve(kFlushAt + 4096);
-  for (const idb& r : _records) {
-    appendRecord(buf, r);
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t i = 0; i < _records.size(); ++i) {
+    // After sorting, consecutive records point all over the text: fetch the
+    // fields of a later line while this one is formatted.
+    if (i + kAhead < _records.size()) {
+      const char* ahead = _records[i + kAhead]._owner;
+      __builtin_prefetch(ahead);
+      __builtin_prefetch(ahead + 64);
+      __builtin_prefetch(ahead + 128);
+    }
+    appendRecord(buf, _records[i]);
     buf += '\n';
     if (buf.size() >= kFlushAt) {
       if (std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size()) return errno ? errno : EIO;
@@ -545,21 +579,16 @@ void Idb::clear() {
 void Idb::sort() {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
-  // Apply the permutation in place, cycle by cycle: a second array of
-  // records would double the memory of a large database.
-  for (std::uint32_t j = 0; j < order.size(); ++j) {
-    if (order[j] == j) continue;
-    idb held = _records[j];
-    std::uint32_t k = j;
-    while (order[k] != j) {
-      std::uint32_t from = order[k];
-      _records[k] = _records[from];
-      order[k] = k;
-      k = from;
-    }
-    _records[k] = held;
-    order[k] = k;
+  // Gathered into a new array: the reads jump about, so the next ones are
+  // fetched ahead while the current one is copied.
+  std::vector<idb> sorted;
+  sorted.reserve(_records.capacity());
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t j = 0; j < order.size(); ++j) {
+    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
+    sorted.push_back(_records[order[j]]);
   }
+  _records.swap(sorted);
   indexChanged();
 }
 

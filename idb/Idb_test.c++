@@ -228,6 +228,9 @@ TEST(IdbFileTest, SortIsByteOrderAndStable) {
        {"usr/share/doc/pkf", "usr/share/doc/pkg", "usr/share/doc/pkg/", "usr/share/doc/pkg/z",
         "usr/share/doc/pkg/zz"}},
       {{"\xC3\xA9", "z", "\x7F"}, {"z", "\x7F", "\xC3\xA9"}},
+      // Paths of exactly one or two key lengths, equal and empty ones.
+      {{"abcdefgh", "", "abcdefgh", "abcdefghijklmnop", "abcdefgh"},
+       {"", "abcdefgh", "abcdefgh", "abcdefgh", "abcdefghijklmnop"}},
       {{}, {}},
   };
   for (const Case& c : cases) {
