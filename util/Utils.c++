@@ -124,8 +124,9 @@ bool samePath(const std::string& path1, const std::string& path2) {
   if (path1 == path2) return true;
   struct stat st1, st2;
   if (stat(path1.c_str(), &st1) != 0 || stat(path2.c_str(), &st2) != 0) return false;
-  // Only the inode is compared: the same tree can be reached through
-  // different mounts, and users expect those to count as the same place.
+  // Device numbers are left out on purpose: the checks built on this (a
+  // save target against the distribution directory) have always compared
+  // inodes alone, and their answers must not change.
   return st1.st_mode != 0 && st2.st_mode != 0 && st1.st_ino == st2.st_ino;
 }
 
