@@ -11,5 +11,6 @@ struct Subcommand {
 };
 
 int sortCommand(int argc, char** argv);
+int checkCommand(int argc, char** argv);
 
 #endif
