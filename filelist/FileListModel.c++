@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <climits>
