@@ -1,6 +1,7 @@
 #include "app/View.h"
 
 #include <X11/StringDefs.h>
+#include <Xm/Form.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/Text.h>
 
@@ -11,7 +12,10 @@
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/ViewReporter.h"
+#include "filelist/FileListTags.h"
 #include "ov/OvGrid.h"
+#include "spec/SpecDetail.h"
+#include "spec/SpecGraph.h"
 #include "yr/YrMenuItem.h"
 #include "yr/YrMenuToggle.h"
 #include "yr/YrTabPanel.h"
@@ -130,6 +134,31 @@ void View::createPanels() {
   // list (right frame), tags and add files (files body), product hierarchy
   // (spec body), node details (right form), permissions, attributes and
   // build.
+  auto place = [this](std::unique_ptr<YrComponent> panel) {
+    Widget w = panel->baseWidget();
+    if (XmIsForm(XtParent(w)))
+      XtVaSetValues(w, XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment, XmATTACH_FORM,
+                    XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment, XmATTACH_FORM, nullptr);
+    panel->show();
+    _panels.push_back(std::move(panel));
+  };
+  auto tags = std::make_unique<FileListTags>("fileListTags", _tagsBody, *_reporter);
+  auto graph = std::make_unique<SpecGraph>("specGraph", _specBody, *_reporter);
+  auto detail = std::make_unique<SpecDetail>("specDetail", _rightForm, *_reporter);
+  _tagsPanel = tags.get();
+  _specGraph = graph.get();
+  _specDetail = detail.get();
+  _tagsPanel->setSpecGraph(&_specGraph->model());
+  _specGraph->setDetail(_specDetail);
+  _specGraph->setTagsPanel(_tagsPanel);
+  _specGraph->setView(this);
+  _specDetail->setSpecGraph(_specGraph);
+  _specDetail->setTagsPanel(_tagsPanel);
+  place(std::move(tags));
+  place(std::move(graph));
+  place(std::move(detail));
+  _spec = _specGraph;
+  _specGraph->model().defaultGraph();
 }
 
 void View::colourMessageLog() {

@@ -18,7 +18,10 @@
 #include "app/ui/ViewUI.h"
 #include "util/Reporter.h"
 
+class FileListTags;
 class IdbDocument;
+class SpecDetail;
+class SpecGraph;
 class SpecDocument;
 class YrMenuItem;
 class YrMenuToggle;
@@ -72,6 +75,11 @@ class View : public ViewUI {
   /// How the core reports to the user: this log and the shared dialogs.
   Reporter& reporter() { return *_reporter; }
 
+  /// The panels of the first two tabs.
+  SpecGraph* specGraph() const { return _specGraph; }
+  SpecDetail* specDetail() const { return _specDetail; }
+  FileListTags* tagsPanel() const { return _tagsPanel; }
+
   YrTabPanel* tabPanel() const { return _tabPanel.get(); }
   bool usesTextLabels() const { return _useTextLabels; }
   /// The body raised for view (left side), for tests and tools.
@@ -104,6 +112,9 @@ class View : public ViewUI {
   std::unique_ptr<Reporter> _reporter;
   // Panels shown in the work area, in creation order.
   std::vector<std::unique_ptr<class YrComponent>> _panels;
+  SpecGraph* _specGraph = nullptr;
+  SpecDetail* _specDetail = nullptr;
+  FileListTags* _tagsPanel = nullptr;
 };
 
 #endif
