@@ -77,7 +77,7 @@ void View::useTabImages(const char* const* const* normal, const char* const* con
   gSelectedImages = selected ? selected : selectedTabXpm;
 }
 
-View::View(const char* name, Widget parent) : ViewUI(name, parent) {
+View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtDisplay(parent)) {
   _reporter = std::make_unique<ViewReporter>(*this);
   makePixmaps(parent);
   createTabPanel();
@@ -86,14 +86,14 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent) {
 }
 
 View::~View() {
+  // The whole tree at once (the tabs still show the pictures); the panels
+  // then only forget their widgets.
+  if (_baseWidget) XtDestroyWidget(_baseWidget);
   _panels.clear();
   _tabPanel.reset();
-  if (_baseWidget) {
-    Display* display = XtDisplay(_baseWidget);
-    for (int i = 0; i < kNumViews; ++i) {
-      if (_normalPixmaps[i]) XFreePixmap(display, _normalPixmaps[i]);
-      if (_selectedPixmaps[i]) XFreePixmap(display, _selectedPixmaps[i]);
-    }
+  for (int i = 0; i < kNumViews; ++i) {
+    if (_normalPixmaps[i]) XFreePixmap(_display, _normalPixmaps[i]);
+    if (_selectedPixmaps[i]) XFreePixmap(_display, _selectedPixmaps[i]);
   }
 }
 

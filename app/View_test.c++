@@ -107,8 +107,8 @@ struct MenuBar {
     XtManageChild(bar);
   }
   ~MenuBar() {
-    pane.reset();
     XtDestroyWidget(shell);
+    pane.reset();
   }
   YrMenu& add(const char* label) {
     pane = std::make_unique<YrMenu>(bar, label);
