@@ -109,9 +109,9 @@ Plan makePlan(Widget grid) {
     row.grows = row.grows || c->resize_vertical;
     column.grows = column.grows || c->resize_horizontal;
   });
-  if (g.spread) {
-    for (Track& t : plan.rows) t.grows = true;
-    for (Track& t : plan.columns) t.grows = true;
+  if (g.centre) {
+    for (Track& t : plan.rows) t.grows = false;
+    for (Track& t : plan.columns) t.grows = false;
   }
   for (size_t i = 0; i < g.state->fixedRows.size() && i < plan.rows.size(); ++i)
     if (g.state->fixedRows[i]) plan.rows[i].grows = false;
@@ -126,9 +126,10 @@ Plan makePlan(Widget grid) {
 }
 
 // Gives the tracks their sizes and positions within length.  Extra space is
-// shared by the growing tracks; a shortfall is taken from them first, from
-// all tracks when none grows.
-void distribute(std::vector<Track>& tracks, int length, int margin, int spacing) {
+// shared by the growing tracks (or split before and after all of them when
+// centring); a shortfall is taken from the growing tracks first, from all
+// tracks when none grows.
+void distribute(std::vector<Track>& tracks, int length, int margin, int spacing, bool centre) {
   for (Track& t : tracks) t.size = t.used ? t.natural : 0;
   int delta = length - naturalLength(tracks, margin, spacing);
   std::vector<Track*> takers;
@@ -144,6 +145,7 @@ void distribute(std::vector<Track>& tracks, int length, int margin, int spacing)
     takers.back()->size = std::max(1, takers.back()->size + rest);
   }
   int position = margin;
+  if (centre && delta > 0) position += delta / 2;
   for (Track& t : tracks) {
     t.position = position;
     if (t.used) position += t.size + spacing;
@@ -161,8 +163,8 @@ int align(int cell, int size, int where) {
 void layout(Widget grid) {
   OvGridPart& g = part(grid);
   Plan plan = makePlan(grid);
-  distribute(plan.columns, grid->core.width, g.margin_width, g.spacing);
-  distribute(plan.rows, grid->core.height, g.margin_height, g.spacing);
+  distribute(plan.columns, grid->core.width, g.margin_width, g.spacing, g.centre);
+  distribute(plan.rows, grid->core.height, g.margin_height, g.spacing, g.centre);
   forManagedChildren(grid, [&](Widget child) {
     OvGridConstraintPart* c = ovGridConstraint(child);
     const Track& row = plan.rows[std::max(c->row, 0)];
@@ -211,7 +213,7 @@ void relayout(Widget grid) {
 void Initialize(Widget, Widget created, ArgList, Cardinal*) {
   OvGridPart& g = part(created);
   g.state = new OvGridState;
-  g.spread = False;
+  g.centre = False;
   g.fixed_width = created->core.width;
   g.fixed_height = created->core.height;
   if (created->core.width == 0) created->core.width = 1;

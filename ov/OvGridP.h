@@ -32,9 +32,10 @@ struct OvGridPart {
   Dimension fixed_width;
   Dimension fixed_height;
   OvGridState* state;
-  // Every used row and column takes a share of extra space, whatever its
-  // children say (the spring box's springs).
-  Boolean spread;
+  // Nothing grows: extra space is split evenly before the first and after
+  // the last row and column, which keeps the children together in the
+  // middle (the spring box's springs).
+  Boolean centre;
 };
 
 struct OvGridRec {

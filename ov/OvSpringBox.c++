@@ -20,7 +20,7 @@ struct OvSpringBoxClassRec {
 };
 
 void Initialize(Widget, Widget created, ArgList, Cardinal*) {
-  reinterpret_cast<OvGridRec*>(created)->grid.spread = True;
+  reinterpret_cast<OvGridRec*>(created)->grid.centre = True;
 }
 
 void ConstraintInitialize(Widget, Widget created, ArgList, Cardinal*) {

@@ -1,9 +1,9 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <vector>
 
+#include <X11/IntrinsicP.h>
 #include <X11/Shell.h>
 #include <Xm/Label.h>
 
@@ -67,33 +67,37 @@ TEST_F(OvSpringBoxTest, NaturalSizeIsTheChildrenSideBySide) {
   }
 }
 
-TEST_F(OvSpringBoxTest, ExtraWidthBecomesEqualSpringsAndChildrenKeepTheirSize) {
+TEST_F(OvSpringBoxTest, ExtraSpaceGoesToTheEndsAndChildrenKeepTheirSize) {
   Widget box = XtVaCreateManagedWidget("springBox", ovSpringBoxWidgetClass, _shell, XmNwidth, 200,
                                        XmNheight, 30, nullptr);
   std::vector<Widget> children = fill(box, 3);
   realize();
-  std::vector<Geometry> g;
-  for (Widget c : children) g.push_back(geometryOf(c));
+  // The three children need 2 + 3 * 20 + 2 * 4 + 2 = 72 by 14; the other
+  // 128 by 16 is split before and after them.
+  const int xs[] = {66, 90, 114};
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(20, g[i].width) << i;
-    EXPECT_EQ(10, g[i].height) << i;
-    EXPECT_EQ(10, g[i].y) << i;  // centred in 30
+    Geometry g = geometryOf(children[i]);
+    EXPECT_EQ(xs[i], g.x) << i;
+    EXPECT_EQ(10, g.y) << i;
+    EXPECT_EQ(20, g.width) << i;
+    EXPECT_EQ(10, g.height) << i;
   }
-  // Creation order, left to right, with springs of (nearly) equal length
-  // between them and half springs at the ends.
-  ASSERT_LT(g[0].x + 20, g[1].x);
-  ASSERT_LT(g[1].x + 20, g[2].x);
-  int gap1 = g[1].x - (g[0].x + 20), gap2 = g[2].x - (g[1].x + 20);
-  EXPECT_LE(std::abs(gap1 - gap2), 1);
-  EXPECT_NEAR(g[0].x, 200 - (g[2].x + 20), 2);
 
-  // Hiding the middle child leaves no hole: two children, one spring.
+  // Hiding the middle child closes the gap; the other two stay centred.
   XtUnmanageChild(children[1]);
   UiTestApp::flush();
-  Geometry first = geometryOf(children[0]), last = geometryOf(children[2]);
-  EXPECT_NEAR(first.x, 200 - (last.x + 20), 2);
-  EXPECT_NEAR(last.x - (first.x + 20), 2 * first.x, 8);  // one spring, two half springs
-  EXPECT_GT(first.x, g[0].x);
+  EXPECT_EQ(78, geometryOf(children[0]).x);
+  EXPECT_EQ(102, geometryOf(children[2]).x);
+
+  // Made narrower than the children need, the box squeezes them rather than
+  // letting them overlap.
+  XtManageChild(children[1]);
+  XtResizeWidget(box, 50, 30, 0);
+  UiTestApp::flush();
+  for (int i = 0; i + 1 < 3; ++i) {
+    Geometry a = geometryOf(children[i]), b = geometryOf(children[i + 1]);
+    EXPECT_LE(a.x + a.width, b.x) << i;
+  }
 }
 
 }  // namespace

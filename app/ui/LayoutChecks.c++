@@ -3,18 +3,23 @@
 #include "app/ui/LayoutChecks.h"
 
 #include <X11/IntrinsicP.h>
+#include <X11/Shell.h>
 #include <X11/Xresource.h>
 #include <Xm/Xm.h>
 
 #include <cstring>
 #include <functional>
 #include <map>
+#include <regex>
+
+#include "util/UiTestApp.h"
 
 namespace {
 
 void visit(Widget w, const std::function<void(Widget)>& f) {
   f(w);
-  for (Cardinal i = 0; i < w->core.num_popups; ++i) visit(w->core.popup_list[i], f);
+  if (XtIsWidget(w))
+    for (Cardinal i = 0; i < w->core.num_popups; ++i) visit(w->core.popup_list[i], f);
   if (XtIsComposite(w)) {
     CompositeWidget c = reinterpret_cast<CompositeWidget>(w);
     for (Cardinal i = 0; i < c->composite.num_children; ++i) visit(c->composite.children[i], f);
@@ -23,7 +28,8 @@ void visit(Widget w, const std::function<void(Widget)>& f) {
 
 std::vector<Widget> childrenOf(Widget w) {
   std::vector<Widget> out;
-  for (Cardinal i = 0; i < w->core.num_popups; ++i) out.push_back(w->core.popup_list[i]);
+  if (XtIsWidget(w))
+    for (Cardinal i = 0; i < w->core.num_popups; ++i) out.push_back(w->core.popup_list[i]);
   if (XtIsComposite(w)) {
     CompositeWidget c = reinterpret_cast<CompositeWidget>(w);
     for (Cardinal i = 0; i < c->composite.num_children; ++i) out.push_back(c->composite.children[i]);
@@ -47,8 +53,12 @@ void expectWidgetTree(Widget base, const std::vector<ExpectedWidget>& expected) 
   std::map<Widget, std::vector<std::string>> expectedOrder;
   for (const ExpectedWidget& e : expected) {
     Widget w = findWidget(base, e.name, e.parent);
-    EXPECT_NE(nullptr, w) << e.name << " under " << e.parent;
-    if (!w) continue;
+    if (!w) {
+      Widget elsewhere = findWidget(base, e.name);
+      ADD_FAILURE() << e.name << " is not under " << e.parent << " but under "
+                    << (elsewhere ? XtName(XtParent(elsewhere)) : "nothing");
+      continue;
+    }
     EXPECT_EQ(e.widgetClass, XtClass(w))
         << e.name << " is a " << XtClass(w)->core_class.class_name << ", expected "
         << e.widgetClass->core_class.class_name;
@@ -69,8 +79,18 @@ std::string labelText(Widget w) {
   XmString s = nullptr;
   XtVaGetValues(w, XmNlabelString, &s, nullptr);
   if (!s) return "<none>";
+  // Line breaks come back as "\n".
+  Arg args[4];
+  XmString separator = XmStringSeparatorCreate();
+  XtSetArg(args[0], XmNpattern, const_cast<char*>("\n"));
+  XtSetArg(args[1], XmNpatternType, XmCHARSET_TEXT);
+  XtSetArg(args[2], XmNincludeStatus, XmINSERT);
+  XtSetArg(args[3], XmNsubstitute, separator);
+  XmParseMapping newline = XmParseMappingCreate(args, 4);
+  XmStringFree(separator);
   char* t = static_cast<char*>(
-      XmStringUnparse(s, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+      XmStringUnparse(s, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &newline, 1, XmOUTPUT_ALL));
+  XmParseMappingFree(newline);
   std::string out = t ? t : "";
   XtFree(t);
   XmStringFree(s);
@@ -107,4 +127,17 @@ void expectCallbacksRouted(Widget base, const std::vector<ExpectedRoute>& routes
 void putUserResource(Widget anyWidget, const char* line) {
   XrmDatabase db = XtDatabase(XtDisplay(anyWidget));
   XrmPutLineResource(&db, line);
+}
+
+Widget newApplicationShell(const char* name) {
+  return XtVaAppCreateShell(name, "Tamblin", applicationShellWidgetClass, UiTestApp::display(),
+                            XmNallowShellResize, True, nullptr);
+}
+
+void expectResourceLinesWellFormed(const char* const* table) {
+  ASSERT_NE(nullptr, table);
+  static const std::regex line(R"(\*[A-Za-z0-9]+\.[A-Za-z]+:  \S.*|\*[A-Za-z]+:  \S.*|.*:   )");
+  int n = 0;
+  for (; table[n]; ++n) EXPECT_TRUE(std::regex_match(table[n], line)) << "'" << table[n] << "'";
+  EXPECT_GT(n, 0);
 }

@@ -33,6 +33,10 @@ struct ExpectedText {
 };
 void expectLabelTexts(Widget base, const std::vector<ExpectedText>& expected);
 
+/// Every line of a fallback table reads "*widget.resource:  value": an
+/// asterisk, the widget name, a dot, the resource, a colon and two blanks.
+void expectResourceLinesWellFormed(const char* const* table);
+
 /// What a test subclass records from its overridden callback methods.
 struct CallLog {
   struct Call {
@@ -53,6 +57,10 @@ struct ExpectedRoute {
 /// Calls each widget's callback list and expects exactly one call of the
 /// method, with that widget and the call data passed through.
 void expectCallbacksRouted(Widget base, const std::vector<ExpectedRoute>& routes, CallLog& log);
+
+/// A shell like the program's own: an application shell of class
+/// "Tamblin", so that resources given for the class reach its widgets.
+Widget newApplicationShell(const char* name);
 
 /// Adds a line to the display's resource database, as a user's own
 /// resource would be.

@@ -1,0 +1,260 @@
+#include "app/ui/FileListAttrsUI.h"
+
+#include <Xm/ArrowB.h>
+#include <Xm/Label.h>
+#include <Xm/PushB.h>
+#include <Xm/RowColumn.h>
+#include <Xm/ScrolledW.h>
+#include <Xm/Text.h>
+#include <Xm/ToggleB.h>
+
+#include "app/ui/LayoutFonts.h"
+#include "app/ui/LayoutWidgets.h"
+#include "ov/OvGrid.h"
+
+const char* const FileListAttrsUI::_defaultFileListAttrsUIResources[] = {
+    "*attrsConfigToggleButton.labelString:  config  (file)",
+    "*attrsConfigOptionMenu.labelString:   ",
+    "*configUpdatePushButton.labelString:  update",
+    "*configNoUpdatePushButton.labelString:  noupdate",
+    "*configSuggestPushButton.labelString:  suggest",
+    "*attrsShadowToggleButton.labelString:  shadow  (Install during next boot)",
+    "*attrsPreOpToggleButton.labelString:  preop  (Execute prior to installation)",
+    "*attrsPostOpToggleButton.labelString:  postop  (Execute after installation)",
+    "*attrsExitOpToggleButton.labelString:  exitop  (Execute after install completed)",
+    "*attrsRemoveOpToggleButton.labelString:  removeop  (Execute after removal)",
+    "*attrsNoShareToggleButton.labelString:  noshare  (Duplicate for diskless clients)",
+    "*attrsNoStripToggleButton.labelString:  nostrip  (Retain symbolic information)",
+    "*attrsNoRqsToggleButton.labelString:  norqs  (Do not requickstart)",
+    "*attrsStripDSOToggleButton.labelString:  stripdso  (Strip dynamic shared objects)",
+    "*attrsMachToggleButton.labelString:  mach (Machine dependent)",
+    "*attrsCpuLabel.labelString:  CPUBOARD  (CPU Board)",
+    "*attrsGfxBoardLabel.labelString:  GFXBOARD  (Graphics Board)",
+    "*attrsSubgrLabel.labelString:  SUBGR  (Subgraphics Board)",
+    "*attrsModelLabel.labelString:  MODEL",
+    "*attrsClearPushButton.labelString:  Clear All Values",
+    "*attrsAssignLabel.labelString:  Assign",
+    "*r3kPushButton.labelString:  R3k Boards Only",
+    "*r4kPushButton.labelString:  R4k Boards Only",
+    "*r8kPushButton.labelString:  R8k Boards Only",
+    "*r10kPushButton.labelString:  R10k Boards Only",
+    "*softAttrsLabel.labelString:  Software Attributes",
+    "*hardAttrsLabel.labelString:  Hardware Attributes",
+    // The backslash keeps the leading blanks; each \n is a line break.
+    "*hardWarnLabel.labelString:  \\  By default, files are installed on all\\n  platforms.  "
+    "Restrict installation to\\n  particular platform(s) by checking\\n  the appropriate "
+    "box(es).",
+    nullptr,
+};
+
+namespace {
+
+Widget leftLabel(const char* name, Widget parent) {
+  return createManaged(name, xmLabelWidgetClass, parent, {{XmNalignment, XmALIGNMENT_BEGINNING}});
+}
+
+// One attribute's row: a grid holding its toggle (and, for the operation
+// attributes, the command text beside it).
+Widget attributeRow(const char* gridName, const char* toggleName, Widget parent, Widget* toggle) {
+  Widget grid = createManagedGrid(gridName, parent, 1, 2);
+  *toggle = createManaged(toggleName, xmToggleButtonWidgetClass, grid,
+                          {{OvNcolumn, 0}, {OvNgravity, 4}, {OvNresizeHorizontal, False}});
+  return grid;
+}
+
+Widget commandText(const char* name, Widget grid) {
+  return createManaged(name, xmTextWidgetClass, grid,
+                       {{OvNcolumn, 1}, {XmNeditMode, XmSINGLE_LINE_EDIT}, {XmNcolumns, 20}});
+}
+
+// The toggles of a hardware group go here at run time, in four columns.
+Widget toggleGroup(const char* name, Widget parent) {
+  return createManaged(name, xmRowColumnWidgetClass, parent,
+                       {{XmNorientation, XmVERTICAL}, {XmNpacking, XmPACK_COLUMN},
+                        {XmNnumColumns, 4}});
+}
+
+}  // namespace
+
+FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(name) {
+  installLayoutFonts(parent);
+  setDefaultResources(parent, _defaultFileListAttrsUIResources);
+  _baseWidget = XtVaCreateWidget(name, ovGridWidgetClass, parent, OvNnumRows, 3, nullptr);
+  installDestroyHandler();
+
+  _scrolledWindow = createManaged("scrolledWindow", xmScrolledWindowWidgetClass, _baseWidget,
+                                  {{OvNrow, 0},
+                                   {XmNscrollingPolicy, XmAUTOMATIC},
+                                   {XmNwidth, 390},
+                                   {XmNheight, 520}});
+  _rowColumn = createManaged("rowColumn", xmRowColumnWidgetClass, _scrolledWindow,
+                             {{XmNorientation, XmVERTICAL}});
+  _softAttrsLabel = leftLabel("softAttrsLabel", _rowColumn);
+
+  _attrsConfigGrid = attributeRow("attrsConfigGrid", "attrsConfigToggleButton", _rowColumn,
+                                  &_attrsConfigToggleButton);
+  XtAddCallback(_attrsConfigToggleButton, XmNvalueChangedCallback,
+                &FileListAttrsUI::attrsConfigToggleButtonCallback, this);
+  _pulldownMenu = XmCreatePulldownMenu(_attrsConfigGrid, const_cast<char*>("pulldownMenu"),
+                                       nullptr, 0);
+  _configUpdatePushButton =
+      createManaged("configUpdatePushButton", xmPushButtonWidgetClass, _pulldownMenu);
+  _configNoUpdatePushButton =
+      createManaged("configNoUpdatePushButton", xmPushButtonWidgetClass, _pulldownMenu);
+  _configSuggestPushButton =
+      createManaged("configSuggestPushButton", xmPushButtonWidgetClass, _pulldownMenu);
+  for (Widget choice :
+       {_configUpdatePushButton, _configNoUpdatePushButton, _configSuggestPushButton})
+    XtAddCallback(choice, XmNactivateCallback, &FileListAttrsUI::attrsConfigOptionMenuCallback,
+                  this);
+  Arg args[3];
+  XtSetArg(args[0], XmNsubMenuId, _pulldownMenu);
+  XtSetArg(args[1], OvNcolumn, 1);
+  XtSetArg(args[2], OvNresizeHorizontal, False);
+  _attrsConfigOptionMenu =
+      XmCreateOptionMenu(_attrsConfigGrid, const_cast<char*>("attrsConfigOptionMenu"), args, 3);
+  XtManageChild(_attrsConfigOptionMenu);
+
+  _attrsShadowGrid = attributeRow("attrsShadowGrid", "attrsShadowToggleButton", _rowColumn,
+                                  &_attrsShadowToggleButton);
+  _attrsPreOpGrid = attributeRow("attrsPreOpGrid", "attrsPreOpToggleButton", _rowColumn,
+                                 &_attrsPreOpToggleButton);
+  _attrsPreOpText = commandText("attrsPreOpText", _attrsPreOpGrid);
+  _attrsPostOpGrid = attributeRow("attrsPostOpGrid", "attrsPostOpToggleButton", _rowColumn,
+                                  &_attrsPostOpToggleButton);
+  _attrsPostOpText = commandText("attrsPostOpText", _attrsPostOpGrid);
+  _attrsExitOpGrid = attributeRow("attrsExitOpGrid", "attrsExitOpToggleButton", _rowColumn,
+                                  &_attrsExitOpToggleButton);
+  _attrsExitOpText = commandText("attrsExitOpText", _attrsExitOpGrid);
+  _attrsRemoveOpGrid = attributeRow("attrsRemoveOpGrid", "attrsRemoveOpToggleButton", _rowColumn,
+                                    &_attrsRemoveOpToggleButton);
+  _attrsRemoveOpText = commandText("attrsRemoveOpText", _attrsRemoveOpGrid);
+  _attrsNoShareGrid = attributeRow("attrsNoShareGrid", "attrsNoShareToggleButton", _rowColumn,
+                                   &_attrsNoShareToggleButton);
+  _attrsNoStripGrid = attributeRow("attrsNoStripGrid", "attrsNoStripToggleButton", _rowColumn,
+                                   &_attrsNoStripToggleButton);
+  _attrsNoRqsGrid = attributeRow("attrsNoRqsGrid", "attrsNoRqsToggleButton", _rowColumn,
+                                 &_attrsNoRqsToggleButton);
+  _attrsStripDSOGrid = attributeRow("attrsStripDSOGrid", "attrsStripDSOToggleButton", _rowColumn,
+                                    &_attrsStripDSOToggleButton);
+  const struct {
+    Widget text;
+    XtCallbackProc callback;
+  } texts[] = {
+      {_attrsPreOpText, &FileListAttrsUI::attrsPreOpTextCallback},
+      {_attrsPostOpText, &FileListAttrsUI::attrsPostOpTextCallback},
+      {_attrsExitOpText, &FileListAttrsUI::attrsExitOpTextCallback},
+      {_attrsRemoveOpText, &FileListAttrsUI::attrsRemoveOpTextCallback},
+  };
+  for (const auto& t : texts) XtAddCallback(t.text, XmNvalueChangedCallback, t.callback, this);
+
+  _hardAttrsLabel = leftLabel("hardAttrsLabel", _rowColumn);
+  _hardWarnLabel = leftLabel("hardWarnLabel", _rowColumn);
+  _attrsMachGrid = createManagedGrid("attrsMachGrid", _rowColumn, 2, 1);
+  _attrsMachToggleButton =
+      createManaged("attrsMachToggleButton", xmToggleButtonWidgetClass, _attrsMachGrid,
+                    {{OvNrow, 0}, {OvNgravity, 4}, {OvNresizeHorizontal, False}});
+  _attrsMachRowColumn = createManaged("attrsMachRowColumn", xmRowColumnWidgetClass,
+                                      _attrsMachGrid, {{OvNrow, 1}, {XmNorientation, XmVERTICAL}});
+  _attrsModelLabel = leftLabel("attrsModelLabel", _attrsMachRowColumn);
+  _attrsModelRowColumn = toggleGroup("attrsModelRowColumn", _attrsMachRowColumn);
+  _attrsCpuLabel = leftLabel("attrsCpuLabel", _attrsMachRowColumn);
+  _attrsCpuSpringBox = createManagedSpringBox("attrsCpuSpringBox", _attrsMachRowColumn);
+  _r3kPushButton = createManaged("r3kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox);
+  _r4kPushButton = createManaged("r4kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox);
+  _attrsCpuSpringBox1 = createManagedSpringBox("attrsCpuSpringBox1", _attrsMachRowColumn);
+  _r8kPushButton = createManaged("r8kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox1);
+  _r10kPushButton = createManaged("r10kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox1);
+  _attrsCpuBoardRowColumn = toggleGroup("attrsCpuBoardRowColumn", _attrsMachRowColumn);
+  _attrsGfxBoardLabel = leftLabel("attrsGfxBoardLabel", _attrsMachRowColumn);
+  _attrsGfxBoardRowColumn = toggleGroup("attrsGfxBoardRowColumn", _attrsMachRowColumn);
+  _attrsSubgrLabel = leftLabel("attrsSubgrLabel", _attrsMachRowColumn);
+  _attrsSubgrRowColumn = toggleGroup("attrsSubgrRowColumn", _attrsMachRowColumn);
+
+  _attrsSpringBox = createManagedSpringBox("attrsSpringBox", _baseWidget,
+                                           {{OvNrow, 1}, {OvNresizeVertical, False}});
+  _attrsClearPushButton =
+      createManaged("attrsClearPushButton", xmPushButtonWidgetClass, _attrsSpringBox);
+  _attrsSpringBox1 = createManagedSpringBox("attrsSpringBox1", _baseWidget,
+                                            {{OvNrow, 2}, {OvNresizeVertical, False}});
+  _attrsAssignArrowButton = createManaged(
+      "attrsAssignArrowButton", xmArrowButtonWidgetClass, _attrsSpringBox1,
+      {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40}, {XmNheight, 30}});
+  _attrsAssignLabel = createManaged("attrsAssignLabel", xmLabelWidgetClass, _attrsSpringBox1);
+
+  const struct {
+    Widget button;
+    XtCallbackProc callback;
+  } buttons[] = {
+      {_r3kPushButton, &FileListAttrsUI::r3kPushButtonCallback},
+      {_r4kPushButton, &FileListAttrsUI::r4kPushButtonCallback},
+      {_r8kPushButton, &FileListAttrsUI::r8kPushButtonCallback},
+      {_r10kPushButton, &FileListAttrsUI::r10kPushButtonCallback},
+      {_attrsClearPushButton, &FileListAttrsUI::attrsClearPushButtonCallback},
+      {_attrsAssignArrowButton, &FileListAttrsUI::attrsAssignArrowButtonCallback},
+  };
+  for (const auto& b : buttons) XtAddCallback(b.button, XmNactivateCallback, b.callback, this);
+}
+
+const char* FileListAttrsUI::className() const { return "FileListAttrsUI"; }
+
+void FileListAttrsUI::attrsAssignArrowButton(Widget, XtPointer) {}
+void FileListAttrsUI::attrsConfigOptionMenu(Widget, XtPointer) {}
+void FileListAttrsUI::attrsConfigToggleButton(Widget, XtPointer) {}
+void FileListAttrsUI::attrsExitOpText(Widget, XtPointer) {}
+void FileListAttrsUI::attrsRemoveOpText(Widget, XtPointer) {}
+void FileListAttrsUI::attrsPostOpText(Widget, XtPointer) {}
+void FileListAttrsUI::attrsPreOpText(Widget, XtPointer) {}
+void FileListAttrsUI::attrsClearPushButton(Widget, XtPointer) {}
+void FileListAttrsUI::r3kPushButton(Widget, XtPointer) {}
+void FileListAttrsUI::r4kPushButton(Widget, XtPointer) {}
+void FileListAttrsUI::r8kPushButton(Widget, XtPointer) {}
+void FileListAttrsUI::r10kPushButton(Widget, XtPointer) {}
+
+void FileListAttrsUI::attrsAssignArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsAssignArrowButton(w, callData);
+}
+
+void FileListAttrsUI::attrsConfigOptionMenuCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsConfigOptionMenu(w, callData);
+}
+
+void FileListAttrsUI::attrsConfigToggleButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsConfigToggleButton(w, callData);
+}
+
+void FileListAttrsUI::attrsExitOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsExitOpText(w, callData);
+}
+
+void FileListAttrsUI::attrsRemoveOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsRemoveOpText(w, callData);
+}
+
+void FileListAttrsUI::attrsPostOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsPostOpText(w, callData);
+}
+
+void FileListAttrsUI::attrsPreOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsPreOpText(w, callData);
+}
+
+void FileListAttrsUI::attrsClearPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->attrsClearPushButton(w, callData);
+}
+
+void FileListAttrsUI::r3kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->r3kPushButton(w, callData);
+}
+
+void FileListAttrsUI::r4kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->r4kPushButton(w, callData);
+}
+
+void FileListAttrsUI::r8kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->r8kPushButton(w, callData);
+}
+
+void FileListAttrsUI::r10kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListAttrsUI*>(clientData)->r10kPushButton(w, callData);
+}

@@ -1,0 +1,100 @@
+#include "app/ui/FileListUI.h"
+
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/PushB.h>
+#include <Xm/TextF.h>
+
+#include "app/ui/LayoutFonts.h"
+#include "app/ui/LayoutWidgets.h"
+#include "ov/OvGrid.h"
+
+const char* const FileListUI::_defaultFileListUIResources[] = {
+    "*label.labelString:  Idb File:",
+    "*selectionLabel.labelString:  Filter",
+    "*allPushButton.labelString:  All",
+    "*nonePushButton.labelString:  None",
+    "*removePushButton.labelString:  Delete Selected Items",
+    "*undoPushButton.labelString:  Undo Last Operation",
+    nullptr,
+};
+
+FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
+  installLayoutFonts(parent);
+  setDefaultResources(parent, _defaultFileListUIResources);
+  _baseWidget = XtVaCreateWidget(name, ovGridWidgetClass, parent, OvNnumRows, 4, nullptr);
+  installDestroyHandler();
+
+  _label = createManaged("label", xmLabelWidgetClass, _baseWidget,
+                         {{OvNrow, 0}, {OvNcolumn, 0}, {XmNalignment, XmALIGNMENT_BEGINNING},
+                          {OvNgravity, 7}, {OvNresizeVertical, False}});
+  _scrolledWindow = createManagedScrolledWindow(
+      "scrolledWindow", _baseWidget,
+      {{OvNrow, 1}, {OvNcolumn, 0}, {XmNwidth, 389}, {XmNheight, 368}});
+  _fileList = createManaged("fileList", xmListWidgetClass, _scrolledWindow,
+                            {{XmNselectionPolicy, XmEXTENDED_SELECT},
+                             {XmNwidth, 371},
+                             {XmNheight, 350},
+                             {XmNlistSizePolicy, XmCONSTANT}});
+  XtAddCallback(_fileList, XmNdefaultActionCallback, &FileListUI::defaultActionCallback, this);
+
+  // The filter row keeps its height; the list takes what is left.
+  _selectionGrid = createManagedGrid("selectionGrid", _baseWidget, 1, 4,
+                                     {{OvNrow, 2}, {OvNcolumn, 0}, {OvNresizeVertical, False}});
+  _selectionLabel =
+      createManaged("selectionLabel", xmLabelWidgetClass, _selectionGrid,
+                    {{OvNcolumn, 0}, {OvNgravity, 4}, {OvNresizeVertical, False},
+                     {OvNresizeHorizontal, False}});
+  _selectionTextField = createManaged("selectionTextField", xmTextFieldWidgetClass,
+                                      _selectionGrid,
+                                      {{OvNcolumn, 1}, {XmNwidth, 389}, {XmNheight, 33}});
+  XtAddCallback(_selectionTextField, XmNvalueChangedCallback,
+                &FileListUI::selectionTextFieldCallback, this);
+  _allPushButton = createManaged("allPushButton", xmPushButtonWidgetClass, _selectionGrid,
+                                 {{OvNcolumn, 2}, {OvNresizeHorizontal, False}});
+  XtAddCallback(_allPushButton, XmNactivateCallback, &FileListUI::allPushButtonCallback, this);
+  _nonePushButton = createManaged("nonePushButton", xmPushButtonWidgetClass, _selectionGrid,
+                                  {{OvNcolumn, 3}, {OvNresizeHorizontal, False}});
+  XtAddCallback(_nonePushButton, XmNactivateCallback, &FileListUI::nonePushButtonCallback, this);
+
+  _springBox = createManagedSpringBox("springBox", _baseWidget,
+                                      {{OvNrow, 3}, {OvNcolumn, 0}, {OvNresizeVertical, False}});
+  _removePushButton = createManaged("removePushButton", xmPushButtonWidgetClass, _springBox);
+  XtAddCallback(_removePushButton, XmNactivateCallback, &FileListUI::removePushButtonCallback,
+                this);
+  _undoPushButton = createManaged("undoPushButton", xmPushButtonWidgetClass, _springBox);
+  XtAddCallback(_undoPushButton, XmNactivateCallback, &FileListUI::undoPushButtonCallback, this);
+}
+
+const char* FileListUI::className() const { return "FileListUI"; }
+
+void FileListUI::allPushButton(Widget, XtPointer) {}
+void FileListUI::defaultAction(Widget, XtPointer) {}
+void FileListUI::nonePushButton(Widget, XtPointer) {}
+void FileListUI::removePushButton(Widget, XtPointer) {}
+void FileListUI::selectionTextField(Widget, XtPointer) {}
+void FileListUI::undoPushButton(Widget, XtPointer) {}
+
+void FileListUI::allPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->allPushButton(w, callData);
+}
+
+void FileListUI::defaultActionCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->defaultAction(w, callData);
+}
+
+void FileListUI::nonePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->nonePushButton(w, callData);
+}
+
+void FileListUI::removePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->removePushButton(w, callData);
+}
+
+void FileListUI::selectionTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->selectionTextField(w, callData);
+}
+
+void FileListUI::undoPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<FileListUI*>(clientData)->undoPushButton(w, callData);
+}

@@ -1,0 +1,238 @@
+#include "app/ui/SpecDetailUI.h"
+
+#include <Xm/ArrowB.h>
+#include <Xm/Form.h>
+#include <Xm/Frame.h>
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/PanedW.h>
+#include <Xm/PushB.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
+
+#include "app/ui/LayoutFonts.h"
+#include "app/ui/LayoutWidgets.h"
+#include "ov/OvGrid.h"
+
+const char* const SpecDetailUI::_defaultSpecDetailUIResources[] = {
+    "*applyLabel.labelString:  Assign",
+    "*noneLabel.labelString:  No node selected.  Click on a node to select.\\n  Create nodes "
+    "using the Add button.",
+    "*productNameLabel.labelString:  Product Name",
+    "*productIdLabel.labelString:  Description",
+    "*subsysNameLabel.labelString:  Subsystem Name",
+    "*subsysIdLabel.labelString:  Description",
+    "*requiredToggleButton.labelString:  Required (Make a prerequisite to install Kardos)",
+    "*defaultToggleButton.labelString:  Default (Installed by default)",
+    "*minirootToggleButton.labelString:  Miniroot (Must be installed from miniroot)",
+    "*patchToggleButton.labelString:  Patch (Follows original subsystem)",
+    "*mappingLabel.labelString:  Mapping",
+    "*rulesLabel.labelString:  Rules",
+    "*prereqPushButton.labelString:  Prerequisite",
+    "*incompatPushButton.labelString:  Incompatible",
+    "*replacesPushButton.labelString:  Replaces",
+    "*imageNameLabel.labelString:  Image Name",
+    "*imageIdLabel.labelString:  Description",
+    "*versionLabel.labelString:  Version",
+    "*orderLabel.labelString:  Installation Order",
+    "*flagsLabel.labelString:  Installation Options",
+    "*ruleButtonsLabel.labelString:  Insert Rule Template",
+    "*showRequiredToggleButton:  FALSE",
+    nullptr,
+};
+
+namespace {
+
+Widget stackedForm(const char* name, Widget parent) {
+  return createManaged(name, xmFormWidgetClass, parent,
+                       {{XmNtopAttachment, XmATTACH_FORM},
+                        {XmNbottomAttachment, XmATTACH_FORM},
+                        {XmNleftAttachment, XmATTACH_FORM},
+                        {XmNrightAttachment, XmATTACH_FORM}});
+}
+
+// The grid that fills a form.
+Widget formGrid(const char* name, Widget form, int rows) {
+  return createManagedGrid(name, form, rows, 1,
+                           {{XmNtopAttachment, XmATTACH_FORM},
+                            {XmNbottomAttachment, XmATTACH_FORM},
+                            {XmNleftAttachment, XmATTACH_FORM},
+                            {XmNrightAttachment, XmATTACH_FORM}});
+}
+
+Widget fieldLabel(const char* name, Widget grid, int row = 0) {
+  return createManaged(name, xmLabelWidgetClass, grid,
+                       {{OvNrow, row}, {XmNalignment, XmALIGNMENT_BEGINNING}, {OvNgravity, 7},
+                        {OvNresizeVertical, False}});
+}
+
+// A grid of a label over a text field, in row `row` of `parent`.
+Widget labelledField(const char* gridName, Widget parent, int row, const char* labelName,
+                     Widget* label, const char* fieldName, Widget* field) {
+  Widget grid = createManagedGrid(gridName, parent, 2, 1, {{OvNrow, row}, {OvNresizeVertical, False}});
+  *label = fieldLabel(labelName, grid);
+  *field = createManaged(fieldName, xmTextFieldWidgetClass, grid,
+                         {{OvNrow, 1}, {OvNresizeVertical, False}});
+  return grid;
+}
+
+Widget multiLineText(const char* name, Widget grid, int row) {
+  return createManaged(name, xmTextWidgetClass, grid,
+                       {{OvNrow, row}, {XmNeditMode, XmMULTI_LINE_EDIT}, {XmNrows, 4},
+                        {XmNcolumns, 40}});
+}
+
+Widget toggle(const char* name, Widget grid, int row) {
+  return createManaged(name, xmToggleButtonWidgetClass, grid,
+                       {{OvNrow, row}, {OvNgravity, 4}, {OvNresizeHorizontal, False},
+                        {OvNresizeVertical, False}});
+}
+
+Widget templateButton(const char* name, Widget grid, int row) {
+  return createManaged(name, xmPushButtonWidgetClass, grid,
+                       {{OvNrow, row}, {OvNgravity, 4}, {OvNresizeHorizontal, False},
+                        {OvNresizeVertical, False}});
+}
+
+struct ShowRequired {
+  Boolean show;
+};
+
+}  // namespace
+
+SpecDetailUI::SpecDetailUI(const char* name, Widget parent) : YrComponent(name) {
+  installLayoutFonts(parent);
+  setDefaultResources(parent, _defaultSpecDetailUIResources);
+  _baseWidget = XtVaCreateWidget(name, ovGridWidgetClass, parent, OvNnumRows, 2, nullptr);
+  installDestroyHandler();
+
+  _applySpringBox = createManagedSpringBox("applySpringBox", _baseWidget,
+                                           {{OvNrow, 0}, {OvNresizeVertical, False}});
+  _applyArrowButton = createManaged("applyArrowButton", xmArrowButtonWidgetClass, _applySpringBox,
+                                    {{XmNarrowDirection, XmARROW_LEFT}, {XmNwidth, 40},
+                                     {XmNheight, 30}});
+  XtAddCallback(_applyArrowButton, XmNactivateCallback, &SpecDetailUI::applyArrowButtonCallback,
+                this);
+  _applyLabel = createManaged("applyLabel", xmLabelWidgetClass, _applySpringBox);
+  _frame = createManaged("frame", xmFrameWidgetClass, _baseWidget, {{OvNrow, 1}});
+  _form = createManaged("form", xmFormWidgetClass, _frame);
+
+  buildProductForm();
+  buildSubsystemForm();
+  buildImageForm();
+
+  _noneForm = stackedForm("noneForm", _form);
+  _noneGrid = formGrid("noneGrid", _noneForm, 1);
+  _noneLabel = createManaged("noneLabel", xmLabelWidgetClass, _noneGrid,
+                             {{XmNalignment, XmALIGNMENT_BEGINNING}, {OvNgravity, 1},
+                              {OvNresizeVertical, False}});
+}
+
+void SpecDetailUI::buildProductForm() {
+  _productForm = stackedForm("productForm", _form);
+  _productGrid = formGrid("productGrid", _productForm, 3);
+  _nameGrid = labelledField("nameGrid", _productGrid, 0, "productNameLabel", &_productNameLabel,
+                            "productNameTextField", &_productNameTextField);
+  _idGrid = labelledField("idGrid", _productGrid, 1, "productIdLabel", &_productIdLabel,
+                          "productIdTextField", &_productIdTextField);
+}
+
+void SpecDetailUI::buildSubsystemForm() {
+  _subsysForm = stackedForm("subsysForm", _form);
+  _subsysGrid = formGrid("subsysGrid", _subsysForm, 5);
+  _nameGrid2 = labelledField("nameGrid2", _subsysGrid, 0, "subsysNameLabel", &_subsysNameLabel,
+                             "subsysNameTextField", &_subsysNameTextField);
+  _idGrid2 = labelledField("idGrid2", _subsysGrid, 1, "subsysIdLabel", &_subsysIdLabel,
+                           "subsysIdTextField", &_subsysIdTextField);
+  _flagsGrid =
+      createManagedGrid("flagsGrid", _subsysGrid, 1, 1, {{OvNrow, 2}, {OvNresizeVertical, False}});
+  _flagsLabel = fieldLabel("flagsLabel", _flagsGrid);
+
+  // Whether the Required toggle is offered is the site's choice.
+  static XtResource showRequired[] = {
+      {const_cast<char*>("showRequiredToggleButton"), const_cast<char*>("ShowRequiredToggleButton"),
+       XmRBoolean, sizeof(Boolean), XtOffsetOf(ShowRequired, show), XmRImmediate,
+       reinterpret_cast<XtPointer>(False)},
+  };
+  ShowRequired values{False};
+  XtGetApplicationResources(_baseWidget, &values, showRequired, XtNumber(showRequired), nullptr, 0);
+  _showRequiredToggleButton = values.show;
+
+  _flagsGrid1 =
+      createManagedGrid("flagsGrid1", _subsysGrid, 4, 1, {{OvNrow, 3}, {OvNresizeVertical, False}});
+  _defaultToggleButton = toggle("defaultToggleButton", _flagsGrid1, 0);
+  _requiredToggleButton = toggle("requiredToggleButton", _flagsGrid1, 1);
+  _minirootToggleButton = toggle("minirootToggleButton", _flagsGrid1, 2);
+  _patchToggleButton = toggle("patchToggleButton", _flagsGrid1, 3);
+
+  _panedWindow = createManaged("panedWindow", xmPanedWindowWidgetClass, _subsysGrid, {{OvNrow, 4}});
+  _mappingGrid = createManagedGrid("mappingGrid", _panedWindow, 2, 1);
+  _mappingLabel = fieldLabel("mappingLabel", _mappingGrid);
+  _mappingText = multiLineText("mappingText", _mappingGrid, 1);
+  // The rule templates stand in a column under their label, below the
+  // rules.
+  _rulesGrid = createManagedGrid("rulesGrid", _panedWindow, 6, 1);
+  _rulesLabel = fieldLabel("rulesLabel", _rulesGrid);
+  _rulesText = multiLineText("rulesText", _rulesGrid, 1);
+  _ruleButtonsLabel = fieldLabel("ruleButtonsLabel", _rulesGrid, 2);
+  _prereqPushButton = templateButton("prereqPushButton", _rulesGrid, 3);
+  XtAddCallback(_prereqPushButton, XmNactivateCallback, &SpecDetailUI::prereqPushButtonCallback,
+                this);
+  _incompatPushButton = templateButton("incompatPushButton", _rulesGrid, 4);
+  XtAddCallback(_incompatPushButton, XmNactivateCallback,
+                &SpecDetailUI::incompatPushButtonCallback, this);
+  _replacesPushButton = templateButton("replacesPushButton", _rulesGrid, 5);
+  XtAddCallback(_replacesPushButton, XmNactivateCallback,
+                &SpecDetailUI::replacesPushButtonCallback, this);
+}
+
+void SpecDetailUI::buildImageForm() {
+  _imageForm = stackedForm("imageForm", _form);
+  _imageGrid = formGrid("imageGrid", _imageForm, 4);
+  _nameGrid1 = labelledField("nameGrid1", _imageGrid, 0, "imageNameLabel", &_imageNameLabel,
+                             "imageNameTextField", &_imageNameTextField);
+  _idGrid1 = labelledField("idGrid1", _imageGrid, 1, "imageIdLabel", &_imageIdLabel,
+                           "imageIdTextField", &_imageIdTextField);
+  _versionGrid = labelledField("versionGrid", _imageGrid, 2, "versionLabel", &_versionLabel,
+                               "versionTextField", &_versionTextField);
+  _orderGrid = createManagedGrid("orderGrid", _imageGrid, 3, 1, {{OvNrow, 3}});
+  _orderLabel = fieldLabel("orderLabel", _orderGrid);
+  _orderTextField = createManaged("orderTextField", xmTextFieldWidgetClass, _orderGrid,
+                                  {{OvNrow, 1}, {OvNresizeVertical, False}});
+  _scrolledWindow = createManagedScrolledWindow("scrolledWindow", _orderGrid, {{OvNrow, 2}});
+  _orderList = createManaged("orderList", xmListWidgetClass, _scrolledWindow,
+                             {{XmNselectionPolicy, XmBROWSE_SELECT},
+                              {XmNvisibleItemCount, 8},
+                              {XmNlistSizePolicy, XmCONSTANT}});
+  XtAddCallback(_orderList, XmNbrowseSelectionCallback, &SpecDetailUI::browseSelectionCallback,
+                this);
+}
+
+const char* SpecDetailUI::className() const { return "SpecDetailUI"; }
+
+void SpecDetailUI::applyArrowButton(Widget, XtPointer) {}
+void SpecDetailUI::browseSelection(Widget, XtPointer) {}
+void SpecDetailUI::incompatPushButton(Widget, XtPointer) {}
+void SpecDetailUI::prereqPushButton(Widget, XtPointer) {}
+void SpecDetailUI::replacesPushButton(Widget, XtPointer) {}
+
+void SpecDetailUI::applyArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<SpecDetailUI*>(clientData)->applyArrowButton(w, callData);
+}
+
+void SpecDetailUI::browseSelectionCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<SpecDetailUI*>(clientData)->browseSelection(w, callData);
+}
+
+void SpecDetailUI::incompatPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<SpecDetailUI*>(clientData)->incompatPushButton(w, callData);
+}
+
+void SpecDetailUI::prereqPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<SpecDetailUI*>(clientData)->prereqPushButton(w, callData);
+}
+
+void SpecDetailUI::replacesPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
+  static_cast<SpecDetailUI*>(clientData)->replacesPushButton(w, callData);
+}

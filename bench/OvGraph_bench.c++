@@ -1,0 +1,101 @@
+// How long a product hierarchy of 2,000 nodes takes to appear in the graph:
+// built before the window is shown (one layout), and grown node by node in
+// a shown window (a layout after every node).  Target: under a second.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
+
+#include <X11/Intrinsic.h>
+#include <X11/Shell.h>
+#include <Xm/Xm.h>
+
+#include "ov/OvGraph.h"
+#include "util/XvfbServer.h"
+
+namespace {
+
+XtAppContext gContext;
+Display* gDisplay;
+
+void flush() {
+  XSync(gDisplay, False);
+  while (XtAppPending(gContext)) XtAppProcessEvent(gContext, XtIMAll);
+}
+
+// 20 products of 9 images of 10 subsystems: 20 + 180 + 1,800 nodes.
+int addHierarchy(Widget graph) {
+  int n = 0;
+  for (int p = 0; p < 20; ++p) {
+    Widget product = OvGraphAddNode(graph, ("product" + std::to_string(p)).c_str(), nullptr);
+    ++n;
+    for (int i = 0; i < 9; ++i) {
+      Widget image = OvGraphAddNode(graph, ("image" + std::to_string(i)).c_str(), product);
+      ++n;
+      for (int s = 0; s < 10; ++s, ++n)
+        OvGraphAddNode(graph, ("subsystem" + std::to_string(s)).c_str(), image);
+    }
+  }
+  return n;
+}
+
+Widget newShell() {
+  return XtVaAppCreateShell("bench", "Tamblin", topLevelShellWidgetClass, gDisplay, XmNwidth, 800,
+                            XmNheight, 600, nullptr);
+}
+
+void BM_GraphOf2000NodesBuiltThenShown(benchmark::State& state) {
+  int nodes = 0;
+  for (auto _ : state) {
+    Widget shell = newShell();
+    Widget graph = OvCreateScrolledGraph(shell, "graph", nullptr, 0);
+    nodes = addHierarchy(graph);
+    XtRealizeWidget(shell);
+    flush();
+    state.PauseTiming();
+    XtDestroyWidget(shell);
+    flush();
+    state.ResumeTiming();
+  }
+  state.counters["nodes"] = nodes;
+}
+BENCHMARK(BM_GraphOf2000NodesBuiltThenShown)->Unit(benchmark::kMillisecond);
+
+void BM_GraphOf2000NodesGrownWhileShown(benchmark::State& state) {
+  int nodes = 0;
+  for (auto _ : state) {
+    Widget shell = newShell();
+    Widget graph = OvCreateScrolledGraph(shell, "graph", nullptr, 0);
+    XtRealizeWidget(shell);
+    flush();
+    nodes = addHierarchy(graph);
+    flush();
+    state.PauseTiming();
+    XtDestroyWidget(shell);
+    flush();
+    state.ResumeTiming();
+  }
+  state.counters["nodes"] = nodes;
+}
+BENCHMARK(BM_GraphOf2000NodesGrownWhileShown)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  XvfbServer server(XVFB_PATH);
+  if (server.display().empty()) {
+    std::fprintf(stderr, "cannot start Xvfb\n");
+    return 1;
+  }
+  XtToolkitInitialize();
+  gContext = XtCreateApplicationContext();
+  int xargc = 1;
+  static char name[] = "tamblin_ui_bench";
+  char* xargv[] = {name, nullptr};
+  gDisplay = XtOpenDisplay(gContext, nullptr, name, "Tamblin", nullptr, 0, &xargc, xargv);
+  if (!gDisplay) return 1;
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,251 @@
+// gtest first: Xlib's macros (None, Bool, Status) break its headers.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <X11/IntrinsicP.h>
+#include <X11/Shell.h>
+#include <Xm/PushB.h>
+#include <Xm/PushBG.h>
+#include <Xm/ScrolledW.h>
+
+#include "ov/OvGraph.h"
+#include "util/UiTestApp.h"
+
+namespace {
+
+struct Box {
+  int x, y, w, h;
+  int right() const { return x + w; }
+  int bottom() const { return y + h; }
+  int middle() const { return y + h / 2; }
+};
+
+Box boxOf(Widget w) {
+  Position x = 0, y = 0;
+  Dimension width = 0, height = 0;
+  XtVaGetValues(w, XmNx, &x, XmNy, &y, XmNwidth, &width, XmNheight, &height, nullptr);
+  return {x, y, width, height};
+}
+
+// What the callbacks saw.
+struct Seen {
+  std::vector<std::string> calls;  // "select name" / "deselect"
+  std::vector<int> counts;          // num_selected_widgets each time
+};
+
+void recordSelect(Widget, XtPointer client, XtPointer call) {
+  auto* seen = static_cast<Seen*>(client);
+  auto* cb = static_cast<OvGraphCallbackStruct*>(call);
+  seen->calls.push_back(std::string("select ") + XtName(cb->node));
+  seen->counts.push_back(cb->num_selected_widgets);
+}
+
+void recordDeselect(Widget, XtPointer client, XtPointer call) {
+  auto* seen = static_cast<Seen*>(client);
+  seen->calls.push_back("deselect");
+  seen->counts.push_back(static_cast<OvGraphCallbackStruct*>(call)->num_selected_widgets);
+}
+
+class OvGraphTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    _shell = UiTestApp::newShell("graphShell");
+    XtVaSetValues(_shell, XmNallowShellResize, True, nullptr);
+  }
+  void TearDown() override { XtDestroyWidget(_shell); }
+
+  Widget makeGraph(Boolean multiple = False) {
+    Widget graph = XtVaCreateManagedWidget("graph", ovGraphWidgetClass, _shell,
+                                           OvNallowMultipleSelections, multiple, nullptr);
+    XtAddCallback(graph, OvNselectNodeCallback, &recordSelect, &_seen);
+    XtAddCallback(graph, OvNdeselectCallback, &recordDeselect, &_seen);
+    return graph;
+  }
+  // Builds a forest from (name, parent name) pairs; "" is a root.
+  std::map<std::string, Widget> build(Widget graph,
+                                      const std::vector<std::pair<const char*, const char*>>& nodes) {
+    std::map<std::string, Widget> byName;
+    for (const auto& [name, parent] : nodes)
+      byName[name] = OvGraphAddNode(graph, name, *parent ? byName.at(parent) : nullptr);
+    return byName;
+  }
+  void realize() {
+    XtRealizeWidget(_shell);
+    UiTestApp::flush();
+  }
+  std::vector<std::string> selectedNames(Widget graph) {
+    int n = 0;
+    WidgetList list = OvGraphGetSelectedNodes(graph, &n);
+    std::vector<std::string> names;
+    for (int i = 0; i < n; ++i) names.push_back(XtName(list[i]));
+    XtFree(reinterpret_cast<char*>(list));
+    return names;
+  }
+
+  Widget _shell = nullptr;
+  Seen _seen;
+};
+
+// The default product hierarchy, and a second product.
+const std::vector<std::pair<const char*, const char*>> kForest = {
+    {"my_product", ""},   {"sw", "my_product"}, {"man", "my_product"},  {"books", "my_product"},
+    {"base", "sw"},       {"optional", "sw"},   {"manpages", "man"},    {"relnotes", "man"},
+    {"userguide", "books"}, {"other", ""},      {"img", "other"},
+};
+
+void expectTreeLayout(const std::map<std::string, Widget>& nodes,
+                      const std::vector<std::pair<const char*, const char*>>& forest) {
+  std::vector<Box> boxes;
+  for (const auto& [name, parent] : forest) {
+    Box b = boxOf(nodes.at(name));
+    boxes.push_back(b);
+    if (!*parent) continue;
+    Box p = boxOf(nodes.at(parent));
+    EXPECT_GT(b.x, p.right()) << name << " is not right of " << parent;
+  }
+  for (size_t i = 0; i < boxes.size(); ++i)
+    for (size_t j = i + 1; j < boxes.size(); ++j) {
+      const Box &a = boxes[i], &b = boxes[j];
+      bool apart = a.right() <= b.x || b.right() <= a.x || a.bottom() <= b.y || b.bottom() <= a.y;
+      EXPECT_TRUE(apart) << forest[i].first << " overlaps " << forest[j].first;
+    }
+  // Siblings stand in creation order, top to bottom; a parent is centred on
+  // the span of its children.
+  std::map<std::string, std::vector<std::string>> children;
+  for (const auto& [name, parent] : forest) children[parent].push_back(name);
+  for (const auto& [parent, kids] : children) {
+    for (size_t k = 1; k < kids.size(); ++k)
+      EXPECT_LT(boxOf(nodes.at(kids[k - 1])).y, boxOf(nodes.at(kids[k])).y) << kids[k];
+    if (parent.empty()) continue;
+    int span = (boxOf(nodes.at(kids.front())).middle() + boxOf(nodes.at(kids.back())).middle()) / 2;
+    EXPECT_NEAR(span, boxOf(nodes.at(parent)).middle(), 2) << parent;
+  }
+}
+
+TEST_F(OvGraphTest, LaysTheForestOutLeftToRightWithoutOverlaps) {
+  Widget graph = makeGraph();
+  auto nodes = build(graph, kForest);
+  realize();
+  expectTreeLayout(nodes, kForest);
+  // Levels share columns.
+  EXPECT_EQ(boxOf(nodes["sw"]).x, boxOf(nodes["img"]).x);
+  EXPECT_EQ(boxOf(nodes["base"]).x, boxOf(nodes["userguide"]).x);
+  // The graph is as large as its layout.
+  Box g = boxOf(graph);
+  for (const auto& [name, w] : nodes) {
+    EXPECT_LE(boxOf(w).right(), g.w) << name;
+    EXPECT_LE(boxOf(w).bottom(), g.h) << name;
+  }
+}
+
+TEST_F(OvGraphTest, LaysOutAgainAfterRenameAddAndDelete) {
+  Widget graph = makeGraph();
+  auto nodes = build(graph, kForest);
+  realize();
+  int baseX = boxOf(nodes["base"]).x;
+  // A longer image name widens its column and moves the next one right.
+  XmString longName = XmStringCreateLocalized(const_cast<char*>("a much longer image name"));
+  XtVaSetValues(nodes["man"], XmNlabelString, longName, nullptr);
+  XmStringFree(longName);
+  UiTestApp::flush();
+  EXPECT_GT(boxOf(nodes["base"]).x, baseX);
+  expectTreeLayout(nodes, kForest);
+
+  // A node appended under sw comes last among its children.
+  auto forest = kForest;
+  forest.insert(forest.begin() + 6, {"extra", "sw"});
+  nodes["extra"] = OvGraphAddNode(graph, "extra", nodes["sw"]);
+  UiTestApp::flush();
+  expectTreeLayout(nodes, forest);
+  EXPECT_GT(boxOf(nodes["extra"]).y, boxOf(nodes["optional"]).y);
+
+  // Deleting the man subtree closes the gap: books moves up.
+  int booksY = boxOf(nodes["books"]).y;
+  for (const char* gone : {"manpages", "relnotes", "man"}) {
+    XtDestroyWidget(nodes[gone]);
+    nodes.erase(gone);
+  }
+  UiTestApp::flush();
+  EXPECT_LT(boxOf(nodes["books"]).y, booksY);
+  std::vector<std::pair<const char*, const char*>> left;
+  for (const auto& entry : forest)
+    if (nodes.count(entry.first)) left.push_back(entry);
+  expectTreeLayout(nodes, left);
+}
+
+TEST_F(OvGraphTest, SingleSelectionAndItsCallbacks) {
+  Widget graph = makeGraph();
+  auto nodes = build(graph, kForest);
+  realize();
+  XmAnyCallbackStruct click{XmCR_ACTIVATE, nullptr};
+  XtCallCallbacks(nodes["sw"], XmNactivateCallback, &click);  // as a click on the button
+  EXPECT_EQ(std::vector<std::string>{"sw"}, selectedNames(graph));
+  XtCallCallbacks(nodes["base"], XmNactivateCallback, &click);
+  EXPECT_EQ(std::vector<std::string>{"base"}, selectedNames(graph));
+  EXPECT_EQ((std::vector<std::string>{"select sw", "select base"}), _seen.calls);
+  EXPECT_EQ((std::vector<int>{1, 1}), _seen.counts);
+
+  // Without notification nothing is called; with it, the deselect callback.
+  OvGraphSelectNode(graph, nodes["man"], False);
+  EXPECT_EQ(std::vector<std::string>{"man"}, selectedNames(graph));
+  EXPECT_EQ(2u, _seen.calls.size());
+  Widget man = nodes["man"];
+  OvGraphUnselectNodes(graph, &man, 1, True);
+  EXPECT_TRUE(selectedNames(graph).empty());
+  EXPECT_EQ("deselect", _seen.calls.back());
+  EXPECT_EQ(0, _seen.counts.back());
+  // Unselecting what is not selected changes nothing and calls nothing.
+  OvGraphUnselectNodes(graph, &man, 1, True);
+  EXPECT_EQ(3u, _seen.calls.size());
+
+  // A destroyed node leaves the selection.
+  OvGraphSelectNode(graph, nodes["userguide"], True);
+  XtDestroyWidget(nodes["userguide"]);
+  UiTestApp::flush();
+  EXPECT_TRUE(selectedNames(graph).empty());
+}
+
+TEST_F(OvGraphTest, MultipleSelectionAndBackgroundClick) {
+  Widget graph = makeGraph(True);
+  auto nodes = build(graph, kForest);
+  realize();
+  OvGraphSelectNode(graph, nodes["sw"], True);
+  OvGraphSelectNode(graph, nodes["man"], True);
+  EXPECT_EQ((std::vector<std::string>{"sw", "man"}), selectedNames(graph));
+  EXPECT_EQ(2, _seen.counts.back());
+
+  // A click on the empty top right corner unselects all.
+  XEvent press{};
+  press.xbutton.type = ButtonPress;
+  press.xbutton.display = XtDisplay(graph);
+  press.xbutton.window = XtWindow(graph);
+  press.xbutton.button = Button1;
+  press.xbutton.x = boxOf(graph).w - 2;
+  press.xbutton.y = 1;
+  XtDispatchEvent(&press);
+  EXPECT_TRUE(selectedNames(graph).empty());
+  EXPECT_EQ("deselect", _seen.calls.back());
+}
+
+TEST_F(OvGraphTest, ScrollsWhenTheTreeIsLargerThanItsWindow) {
+  XtVaSetValues(_shell, XmNwidth, 300, XmNheight, 200, XmNallowShellResize, False, nullptr);
+  Widget graph = OvCreateScrolledGraph(_shell, "graph", nullptr, 0);
+  Widget product = OvGraphAddNode(graph, "product", nullptr);
+  for (int i = 0; i < 40; ++i) {
+    std::string name = "image" + std::to_string(i);
+    OvGraphAddNode(graph, name.c_str(), product);
+  }
+  realize();
+  Widget sw = XtParent(XtParent(graph));  // the graph sits in the clip window
+  ASSERT_TRUE(XmIsScrolledWindow(sw));
+  EXPECT_GT(boxOf(graph).h, boxOf(sw).h);
+  Widget vertical = nullptr;
+  XtVaGetValues(sw, XmNverticalScrollBar, &vertical, nullptr);
+  ASSERT_NE(nullptr, vertical);
+  EXPECT_TRUE(XtIsManaged(vertical));
+}
+
+}  // namespace
