@@ -1,15 +1,25 @@
 #include "app/View.h"
 
 #include <X11/StringDefs.h>
+#include <Xm/Form.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/Text.h>
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "app/IdbDocument.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
+#include "app/ui/FileListAddUI.h"
+#include "app/ui/FileListAttrsUI.h"
+#include "app/ui/FileListPermsUI.h"
+#include "app/ui/FileListTagsUI.h"
+#include "app/ui/FileListUI.h"
+#include "app/ui/GenerateUI.h"
+#include "app/ui/SpecDetailUI.h"
+#include "app/ui/SpecGraphUI.h"
 #include "app/ViewReporter.h"
 #include "ov/OvGrid.h"
 #include "yr/YrMenuItem.h"
@@ -126,10 +136,31 @@ void View::createTabPanel() {
 }
 
 void View::createPanels() {
-  // The panels of the work area arrive here, each in its body: the file
-  // list (right frame), tags and add files (files body), product hierarchy
-  // (spec body), node details (right form), permissions, attributes and
-  // build.
+  // Every panel once, in its body, shown as soon as it is made.  The panels
+  // whose behaviour is not there yet are their bare layouts.
+  struct Place {
+    std::function<YrComponent*()> make;
+    bool attach;  // the body is a form: fill it
+  };
+  const Place places[] = {
+      {[this] { return new FileListUI("FileList", _rightFrame); }, false},
+      {[this] { return new FileListTagsUI("FileListTags", _tagsBody); }, true},
+      {[this] { return new SpecGraphUI("SpecGraph", _specBody); }, false},
+      {[this] { return new SpecDetailUI("SpecDetail", _rightForm); }, true},
+      {[this] { return new FileListAddUI("FileListAdd", _addBody); }, true},
+      {[this] { return new FileListPermsUI("FileListPerms", _permsBody); }, true},
+      {[this] { return new FileListAttrsUI("FileListAttrs", _attrsBody); }, true},
+      {[this] { return new GenerateUI("Generate", _generateBody); }, true},
+  };
+  for (const Place& place : places) {
+    YrComponent* panel = place.make();
+    _panels.emplace_back(panel);
+    panel->show();
+    if (place.attach)
+      XtVaSetValues(panel->baseWidget(), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                    XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                    XmATTACH_FORM, nullptr);
+  }
 }
 
 void View::colourMessageLog() {

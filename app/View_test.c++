@@ -161,6 +161,25 @@ TEST_F(ViewTest, ChoosingATabRaisesItsBodiesAndRefreshesTheFileList) {
   }
 }
 
+TEST_F(ViewTest, EveryPanelIsShownInItsOwnBody) {
+  View& v = makeView();
+  struct Case {
+    const char* panel;
+    const char* body;
+  } cases[] = {
+      {"FileList", "rightFrame"},     {"FileListTags", "tagsBody"},
+      {"SpecGraph", "specBody"},      {"SpecDetail", "rightForm"},
+      {"FileListAdd", "addBody"},     {"FileListPerms", "permsBody"},
+      {"FileListAttrs", "attrsBody"}, {"Generate", "generateBody"},
+  };
+  for (const Case& c : cases) {
+    Widget panel = XtNameToWidget(v.baseWidget(), (std::string("*") + c.panel).c_str());
+    ASSERT_NE(nullptr, panel) << c.panel;
+    EXPECT_STREQ(c.body, XtName(XtParent(panel))) << c.panel;
+    EXPECT_TRUE(XtIsManaged(panel)) << c.panel;
+  }
+}
+
 TEST_F(ViewTest, UnknownViewIsReportedAfterDeselectingEveryTab) {
   View& v = makeView();
   v.setView(3);
