@@ -5,7 +5,9 @@
 #      the message area;
 #   2. View > Show Messages (through the menu's mnemonic) hides the message
 #      area;
-#   3. File > Quit ends it with status 0 (nothing unsaved).
+#   3. File > Quit ends it with status 0 (nothing unsaved);
+#   4. started without -nofork, the command returns at once and the program
+#      carries on in the background until File > Quit.
 # Screenshots go to the output directory.  Every wait polls a condition with
 # a deadline.
 #
@@ -86,4 +88,20 @@ status=0
 wait "$prog_pid" || status=$?
 prog_pid=
 (( status == 0 )) || fail "exit status $status; stderr: $(cat "$work/stderr")"
-echo "PASS: started, hid the messages, quit; screenshots in $out"
+
+# Without -nofork: the parent returns at once, the child shows the window.
+timeout 10 "$prog" >"$work/stdout2" 2>"$work/stderr2" || true
+window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1) ||
+  fail "no main window from the background process"
+drawn2() { shot start2 && (( $(identify -format '%k' "$out/start2.png") > 20 )); }
+poll 20 drawn2 || fail "the background process's window was not drawn"
+eval "$(xdotool getwindowgeometry --shell "$window")"
+xdotool mousemove $((X + 600)) $((Y + 400)) click 1
+shot start2
+xdotool keydown Alt_L key f keyup Alt_L
+file_open2() { shot file2 && ! cmp -s "$out/start2.png" "$out/file2.png"; }
+poll 10 file_open2 || fail "the File menu of the background process did not open"
+xdotool key Up Return
+gone() { ! xdotool search --onlyvisible --name '^Tamblin$' >/dev/null; }
+poll 10 gone || fail "File > Quit did not end the background process"
+echo "PASS: started, hid the messages, quit; forked and quit; screenshots in $out"
