@@ -3,10 +3,12 @@
 # user with xdotool:
 #   1. it starts, shows the banner and its window, with the start hint in
 #      the message area;
-#   2. View > Show Messages (through the menu's mnemonic) hides the message
+#   2. clicking a tab changes the panels shown, and the first tab brings
+#      the first screen back;
+#   3. View > Show Messages (through the menu's mnemonic) hides the message
 #      area;
-#   3. File > Quit ends it with status 0 (nothing unsaved);
-#   4. started without -nofork, the command returns at once and the program
+#   4. File > Quit ends it with status 0 (nothing unsaved);
+#   5. started without -nofork, the command returns at once and the program
 #      carries on in the background until File > Quit.
 # Screenshots go to the output directory.  Every wait polls a condition with
 # a deadline.
@@ -58,6 +60,12 @@ yellow() {
   convert "$out/$1.png" -fill black +opaque yellow -fill white -opaque yellow \
     -colorspace gray -format '%[fx:mean]' info:
 }
+# differ A B: the two screenshots differ in at least one pixel.
+differ() {
+  local n
+  n=$(compare -metric AE "$out/$1.png" "$out/$2.png" null: 2>&1 || true)
+  [[ "$n" =~ ^[0-9]+$ ]] && (( n > 0 ))
+}
 drawn() { shot start && (( $(identify -format '%k' "$out/start.png") > 20 )); }
 poll 20 drawn || fail "the window was not drawn"
 
@@ -66,10 +74,20 @@ head -n1 "$work/stdout" | grep -qx 'Tamblin                       03/09/96' ||
 start_yellow=$(yellow start)
 awk -v y="$start_yellow" 'BEGIN { exit !(y > 0.03) }' || fail "no message area at start ($start_yellow)"
 
-# Focus the window, then open View with its mnemonic.
+# The tabs: "Tag Files" (the second picture, 130 pixels wide, under the
+# menu bar) shows other panels; "Create Product Hierarchy" brings back
+# exactly the first screen.
 eval "$(xdotool getwindowgeometry --shell "$window")"
+xdotool mousemove $((X + 200)) $((Y + 55)) click 1
+tagged() { shot tags && differ start tags; }
+poll 10 tagged || fail "choosing Tag Files changed nothing"
+xdotool mousemove $((X + 65)) $((Y + 55)) click 1
+back() { shot back && ! differ start back; }
+poll 10 back || fail "Create Product Hierarchy did not bring back the first view"
+
+# Focus the window, then open View with its mnemonic.
 xdotool mousemove $((X + 600)) $((Y + 400)) click 1
-menu_open() { shot menu && ! cmp -s "$out/start.png" "$out/menu.png"; }
+menu_open() { shot menu && differ start menu; }
 xdotool keydown Alt_L key v keyup Alt_L
 poll 10 menu_open || fail "the View menu did not open"
 # The first entry is "Show Messages": choose it.
@@ -79,7 +97,7 @@ poll 10 hidden || fail "View > Show Messages did not hide the message area"
 
 # File > Quit: the last entry of File.
 xdotool keydown Alt_L key f keyup Alt_L
-file_open() { shot file && ! cmp -s "$out/hidden.png" "$out/file.png"; }
+file_open() { shot file && differ hidden file; }
 poll 10 file_open || fail "the File menu did not open"
 xdotool key Up Return
 ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
@@ -99,7 +117,7 @@ eval "$(xdotool getwindowgeometry --shell "$window")"
 xdotool mousemove $((X + 600)) $((Y + 400)) click 1
 shot start2
 xdotool keydown Alt_L key f keyup Alt_L
-file_open2() { shot file2 && ! cmp -s "$out/start2.png" "$out/file2.png"; }
+file_open2() { shot file2 && differ start2 file2; }
 poll 10 file_open2 || fail "the File menu of the background process did not open"
 xdotool key Up Return
 gone() { ! xdotool search --onlyvisible --name '^Tamblin$' >/dev/null; }
