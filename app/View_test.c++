@@ -180,6 +180,26 @@ TEST_F(ViewTest, EveryPanelIsShownInItsOwnBody) {
   }
 }
 
+TEST_F(ViewTest, MessageLogColourComesFromTheReadOnlyBackgroundResource) {
+  struct Case {
+    const char* resource;  // null: the default
+    const char* colour;
+  } cases[] = {{nullptr, "yellow"}, {"*readOnlyBackground: red", "red"}};
+  for (const Case& c : cases) {
+    XrmDatabase db = XtDatabase(UiTestApp::display());
+    if (c.resource) XrmPutLineResource(&db, c.resource);
+    View& v = makeView();
+    XColor expected, exact;
+    Colormap map = DefaultColormap(UiTestApp::display(), DefaultScreen(UiTestApp::display()));
+    ASSERT_TRUE(XAllocNamedColor(UiTestApp::display(), map, c.colour, &expected, &exact));
+    Pixel background = 0;
+    XtVaGetValues(v.messageText(), XmNbackground, &background, nullptr);
+    EXPECT_EQ(expected.pixel, background) << c.colour;
+    view.reset();
+    if (c.resource) XrmPutLineResource(&db, "*readOnlyBackground: yellow");
+  }
+}
+
 TEST_F(ViewTest, UnknownViewIsReportedAfterDeselectingEveryTab) {
   View& v = makeView();
   v.setView(3);
