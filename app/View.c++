@@ -7,10 +7,16 @@
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "app/IdbDocument.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
+#include "app/ui/FileListAddUI.h"
+#include "app/ui/FileListAttrsUI.h"
+#include "app/ui/FileListPermsUI.h"
+#include "app/ui/FileListUI.h"
+#include "app/ui/GenerateUI.h"
 #include "app/ViewReporter.h"
 #include "filelist/FileListTags.h"
 #include "ov/OvGrid.h"
@@ -81,7 +87,7 @@ void View::useTabImages(const char* const* const* normal, const char* const* con
   gSelectedImages = selected ? selected : selectedTabXpm;
 }
 
-View::View(const char* name, Widget parent) : ViewUI(name, parent) {
+View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtDisplay(parent)) {
   _reporter = std::make_unique<ViewReporter>(*this);
   makePixmaps(parent);
   createTabPanel();
@@ -90,14 +96,14 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent) {
 }
 
 View::~View() {
+  // The whole tree at once (the tabs still show the pictures); the panels
+  // then only forget their widgets.
+  if (_baseWidget) XtDestroyWidget(_baseWidget);
   _panels.clear();
   _tabPanel.reset();
-  if (_baseWidget) {
-    Display* display = XtDisplay(_baseWidget);
-    for (int i = 0; i < kNumViews; ++i) {
-      if (_normalPixmaps[i]) XFreePixmap(display, _normalPixmaps[i]);
-      if (_selectedPixmaps[i]) XFreePixmap(display, _selectedPixmaps[i]);
-    }
+  for (int i = 0; i < kNumViews; ++i) {
+    if (_normalPixmaps[i]) XFreePixmap(_display, _normalPixmaps[i]);
+    if (_selectedPixmaps[i]) XFreePixmap(_display, _selectedPixmaps[i]);
   }
 }
 
@@ -130,33 +136,38 @@ void View::createTabPanel() {
 }
 
 void View::createPanels() {
-  // The panels of the work area arrive here, each in its body: the file
-  // list (right frame), tags and add files (files body), product hierarchy
-  // (spec body), node details (right form), permissions, attributes and
-  // build.
-  auto place = [this](std::unique_ptr<YrComponent> panel) {
-    Widget w = panel->baseWidget();
-    if (XmIsForm(XtParent(w)))
-      XtVaSetValues(w, XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment, XmATTACH_FORM,
-                    XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment, XmATTACH_FORM, nullptr);
-    panel->show();
-    _panels.push_back(std::move(panel));
+  // Every panel once, in its body, shown as soon as it is made.  The panels
+  // whose behaviour is not there yet are their bare layouts.
+  Reporter& reporter = *_reporter;
+  struct Place {
+    std::function<YrComponent*()> make;
+    bool attach;  // the body is a form: fill it
   };
-  auto tags = std::make_unique<FileListTags>("fileListTags", _tagsBody, *_reporter);
-  auto graph = std::make_unique<SpecGraph>("specGraph", _specBody, *_reporter);
-  auto detail = std::make_unique<SpecDetail>("specDetail", _rightForm, *_reporter);
-  _tagsPanel = tags.get();
-  _specGraph = graph.get();
-  _specDetail = detail.get();
+  const Place places[] = {
+      {[this] { return new FileListUI("FileList", _rightFrame); }, false},
+      {[&] { return _tagsPanel = new FileListTags("FileListTags", _tagsBody, reporter); }, true},
+      {[&] { return _specGraph = new SpecGraph("SpecGraph", _specBody, reporter); }, false},
+      {[&] { return _specDetail = new SpecDetail("SpecDetail", _rightForm, reporter); }, true},
+      {[this] { return new FileListAddUI("FileListAdd", _addBody); }, true},
+      {[this] { return new FileListPermsUI("FileListPerms", _permsBody); }, true},
+      {[this] { return new FileListAttrsUI("FileListAttrs", _attrsBody); }, true},
+      {[this] { return new GenerateUI("Generate", _generateBody); }, true},
+  };
+  for (const Place& place : places) {
+    YrComponent* panel = place.make();
+    _panels.emplace_back(panel);
+    panel->show();
+    if (place.attach)
+      XtVaSetValues(panel->baseWidget(), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                    XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                    XmATTACH_FORM, nullptr);
+  }
   _tagsPanel->setSpecGraph(&_specGraph->model());
   _specGraph->setDetail(_specDetail);
   _specGraph->setTagsPanel(_tagsPanel);
   _specGraph->setView(this);
   _specDetail->setSpecGraph(_specGraph);
   _specDetail->setTagsPanel(_tagsPanel);
-  place(std::move(tags));
-  place(std::move(graph));
-  place(std::move(detail));
   _spec = _specGraph;
   _specGraph->model().defaultGraph();
 }

@@ -98,6 +98,7 @@ class View : public ViewUI {
   void colourMessageLog();
   static void raise(Widget w);
 
+  Display* _display;
   std::unique_ptr<YrTabPanel> _tabPanel;
   int _currentView = 0;
   bool _useTextLabels = false;
