@@ -17,8 +17,6 @@
 #include "spec/SpecNode.h"
 #include "util/Reporter.h"
 
-const char* const SpecDetail::kNoneText =
-    "No node selected.  Click on a node to select.\n  Create nodes using the Add button.";
 const char* const SpecDetail::kUnquotedBlank =
     "The Description contains an UNQUOTED BLANK.\n\nUse double quotes:  \"My Product "
     "Description\"\nsingle quotes:  'My Product Description'\nor quote each blank:  "
@@ -55,10 +53,6 @@ bool toggleState(Widget w) { return XmToggleButtonGetState(w); }
 
 SpecDetail::SpecDetail(const char* name, Widget parent, Reporter& reporter)
     : SpecDetailUI(name, parent), _reporter(reporter) {
-  XmString none = XmStringCreateLtoR(const_cast<char*>(kNoneText),
-                                     const_cast<char*>(XmFONTLIST_DEFAULT_TAG));
-  XtVaSetValues(_noneLabel, XmNlabelString, none, nullptr);
-  XmStringFree(none);
   if (!_showRequiredToggleButton) XtUnmanageChild(_requiredToggleButton);
   refresh();
 }

@@ -22,7 +22,6 @@ class SpecNode;
 
 class SpecDetail : public SpecDetailUI {
  public:
-  static const char* const kNoneText;
   static const char* const kUnquotedBlank;
   static const char* const kUnmatchedQuote;
   static const char* const kNoNodeSelected;

@@ -3,6 +3,8 @@
 
 #include "spec/HierarchyTestBench.h"
 
+#include "app/ui/LayoutChecks.h"
+
 #include <Xm/List.h>
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
@@ -217,6 +219,27 @@ TEST_F(SpecDetailTest, RuleTemplatesGoInAtTheInsertionPoint) {
               XmTextGetInsertionPosition(find("rulesText")))
         << c.button;
   }
+}
+
+TEST_F(SpecDetailTest, RequiredToggleIsOfferedWhenTheResourceAsks) {
+  // A site that offers the toggle says so under the class name.
+  Widget appShell = newApplicationShell("requiredShell");
+  putUserResource(appShell, "Tamblin*offering*showRequiredToggleButton: True");
+  auto offering = std::make_unique<SpecDetail>("offering", appShell, reporter);
+  offering->setSpecGraph(graph.get());
+  SpecNode* base = model().getNode("my_product.sw.base");
+  base->setRequired(true);
+  offering->setCurrent(base);
+  Widget required = XtNameToWidget(offering->baseWidget(), "*requiredToggleButton");
+  ASSERT_NE(nullptr, required);
+  EXPECT_TRUE(XtIsManaged(required));
+  EXPECT_TRUE(XmToggleButtonGetState(required));
+  XmToggleButtonSetState(required, False, False);
+  XtCallCallbacks(XtNameToWidget(offering->baseWidget(), "*applyArrowButton"), XmNactivateCallback,
+                  nullptr);
+  EXPECT_FALSE(base->required());
+  offering.reset();
+  XtDestroyWidget(appShell);
 }
 
 }  // namespace
