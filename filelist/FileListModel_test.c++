@@ -426,6 +426,37 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
   EXPECT_TRUE(log.calls.empty());
 }
 
+TEST_F(FileListModelTest, FileBrowsers) {
+  spec.products = {"prod"};
+  const std::string a = dir.write("a.idb", "f 0644 root sys a a t\n");
+  const std::string b = dir.write("b.idb", "f 0644 root sys b b t\n");
+  EXPECT_FALSE(model.showOpenBrowser());  // cancelled
+  EXPECT_EQ(log.calls, Lines{"prompt Open Idb|*idb|"});
+  prompt.answer = a;
+  EXPECT_TRUE(model.showOpenBrowser());
+  EXPECT_EQ(model.idbFileName(), a);
+
+  prompt.answer = b;
+  log.calls.clear();
+  rep.clear();
+  EXPECT_TRUE(model.showReadBrowser());
+  EXPECT_EQ(log.calls.front(), "prompt Append Idb|*idb|prod.idb");
+  EXPECT_EQ(rep.texts("log"), Lines{"Appended idb '" + b + "'."});
+  EXPECT_EQ(model.getList(), (Lines{"t a", "t b"}));
+
+  // Open asks about the unsaved append before any dialog; declined, no dialog.
+  rep.answer(false);
+  log.calls.clear();
+  EXPECT_FALSE(model.showOpenBrowser());
+  EXPECT_TRUE(log.calls.empty());
+  EXPECT_EQ(rep.texts("question").size(), 1u);
+
+  prompt.answer = dir.file("c.idb");
+  EXPECT_TRUE(model.showSaveBrowser());
+  EXPECT_EQ(log.calls.front(), "prompt Save Idb|*idb|prod.idb");
+  EXPECT_EQ(dir.read("c.idb"), "f 0644 root sys a a t\nf 0644 root sys b b t\n");
+}
+
 TEST_F(FileListModelTest, AbandonChangesAsksOnlyWhenModified) {
   openText(kThree, "named.idb");
   EXPECT_TRUE(model.abandonChanges());
