@@ -12,5 +12,6 @@ struct Subcommand {
 
 int formatCommand(int argc, char** argv);
 int sortCommand(int argc, char** argv);
+int checkCommand(int argc, char** argv);
 
 #endif

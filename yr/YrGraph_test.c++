@@ -1,0 +1,89 @@
+// gtest first: Xlib's macros (None, Bool, Status) break its headers.
+#include <gtest/gtest.h>
+
+#include <Xm/Form.h>
+#include <Xm/PushBG.h>
+#include <Xm/ScrolledW.h>
+#include <Xm/Xm.h>
+
+#include <memory>
+#include <string>
+
+#include "ov/OvGraph.h"
+#include "util/UiTestApp.h"
+#include "yr/YrGraph.h"
+
+namespace {
+
+class YrGraphTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    shell = UiTestApp::newShell("yrGraphShell");
+    Widget form = XtVaCreateManagedWidget("form", xmFormWidgetClass, shell, XmNwidth, 300,
+                                          XmNheight, 200, nullptr);
+    graph = std::make_unique<YrGraph>("graph", form);
+    XtRealizeWidget(shell);
+  }
+  void TearDown() override {
+    graph.reset();
+    XtDestroyWidget(shell);
+    UiTestApp::flush();
+  }
+  Widget shell = nullptr;
+  std::unique_ptr<YrGraph> graph;
+  int data[4] = {};
+};
+
+TEST_F(YrGraphTest, NodesCarryTheirDataAndFollowTheirParents) {
+  EXPECT_TRUE(XmIsScrolledWindow(graph->baseWidget()));
+  YrNode* root = graph->addNode("1", "top", "Top", nullptr, &data[0]);
+  YrNode* child = graph->addNode("2", "kid", "Kid", root, &data[1]);
+  YrNode* grandchild = graph->addNode("3", "grandkid", "Grandkid", child, &data[2]);
+  EXPECT_EQ(3, graph->nodeCount());
+  EXPECT_STREQ("kid", XtName(child->baseWidget()));
+  EXPECT_EQ("Kid", child->label());
+  EXPECT_EQ(&data[1], YrNode::userDataOf(child->baseWidget()));
+  EXPECT_TRUE(XmIsPushButtonGadget(child->baseWidget()));
+  Widget parentOfGrandchild = nullptr;
+  XtVaGetValues(grandchild->baseWidget(), OvNparentNode, &parentOfGrandchild, nullptr);
+  EXPECT_EQ(child->baseWidget(), parentOfGrandchild);
+
+  child->setLabel("Renamed");
+  EXPECT_EQ("Renamed", child->label());
+  EXPECT_EQ(child, graph->find("2"));
+  EXPECT_EQ(nullptr, graph->find("9"));
+
+  graph->removeNode("3");
+  UiTestApp::flush();
+  EXPECT_EQ(nullptr, graph->find("3"));
+  EXPECT_EQ(2, graph->nodeCount());
+}
+
+TEST_F(YrGraphTest, SelectionIsSingleAndQuiet) {
+  int calls = 0;
+  auto count = [](Widget, XtPointer c, XtPointer) { ++*static_cast<int*>(c); };
+  XtAddCallback(graph->graphWidget(), OvNselectNodeCallback, count, &calls);
+  XtAddCallback(graph->graphWidget(), OvNdeselectCallback, count, &calls);
+  YrNode* a = graph->addNode("1", "a", "A", nullptr, &data[0]);
+  YrNode* b = graph->addNode("2", "b", "B", nullptr, &data[1]);
+  UiTestApp::flush();
+
+  graph->select(a);
+  EXPECT_EQ(&data[0], graph->selectedUserData());
+  graph->select(b);
+  EXPECT_EQ(1, graph->selectedCount());
+  EXPECT_EQ(&data[1], graph->selectedUserData());
+  graph->select(nullptr);
+  EXPECT_EQ(0, graph->selectedCount());
+  EXPECT_EQ(nullptr, graph->selectedUserData());
+  EXPECT_EQ(0, calls);
+
+  // A click still reports through the graph's callbacks.
+  XmAnyCallbackStruct cbs{};
+  cbs.reason = XmCR_ACTIVATE;
+  XtCallCallbacks(a->baseWidget(), XmNactivateCallback, &cbs);
+  EXPECT_EQ(1, calls);
+  EXPECT_EQ(&data[0], graph->selectedUserData());
+}
+
+}  // namespace
