@@ -1,6 +1,7 @@
 #include "app/View.h"
 
 #include <X11/StringDefs.h>
+#include <Xm/Form.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/Text.h>
 
@@ -11,6 +12,10 @@
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/ViewReporter.h"
+#include "filelist/FileListAdd.h"
+#include "filelist/FileListAttrs.h"
+#include "filelist/FileListModel.h"
+#include "filelist/FileListPerms.h"
 #include "ov/OvGrid.h"
 #include "yr/YrMenuItem.h"
 #include "yr/YrMenuToggle.h"
@@ -130,6 +135,34 @@ void View::createPanels() {
   // list (right frame), tags and add files (files body), product hierarchy
   // (spec body), node details (right form), permissions, attributes and
   // build.
+  _addPanel = fillBody<FileListAdd>("FileListAdd", _addBody);
+  _addPanel->connect(nullptr, _reporter.get());
+  _addPanel->setBrowsingDirectory("");
+  _permsPanel = fillBody<FileListPerms>("FileListPerms", _permsBody);
+  _attrsPanel = fillBody<FileListAttrs>("FileListAttrs", _attrsBody);
+  _attrsPanel->hideInternalNames();
+}
+
+template <class Panel>
+Panel* View::fillBody(const char* name, Widget body) {
+  auto panel = std::make_unique<Panel>(name, body);
+  XtVaSetValues(panel->baseWidget(), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                XmATTACH_FORM, nullptr);
+  panel->show();
+  Panel* raw = panel.get();
+  _panels.push_back(std::move(panel));
+  return raw;
+}
+
+void View::connectFileList(FileListModel* fileList) {
+  fileList->setAddFilesPartner(_addPanel);
+  fileList->setPermsPartner(_permsPanel);
+  fileList->setAttrsPartner(_attrsPanel);
+  _addPanel->connect(fileList, _reporter.get());
+  _permsPanel->connect(fileList, _reporter.get());
+  _attrsPanel->connect(fileList, _reporter.get());
+  _addPanel->newSourceRootDirectory(fileList->sourceRoot());
 }
 
 void View::colourMessageLog() {
@@ -239,10 +272,12 @@ void View::hideMessages() {
 }
 
 void View::showInternalNames() {
+  if (_attrsPanel) _attrsPanel->showInternalNames();
   if (_showInternalNamesToggle) _showInternalNamesToggle->setVisualState(true);
 }
 
 void View::hideInternalNames() {
+  if (_attrsPanel) _attrsPanel->hideInternalNames();
   if (_showInternalNamesToggle) _showInternalNamesToggle->setVisualState(false);
 }
 

@@ -18,6 +18,10 @@
 #include "app/ui/ViewUI.h"
 #include "util/Reporter.h"
 
+class FileListAdd;
+class FileListAttrs;
+class FileListModel;
+class FileListPerms;
 class IdbDocument;
 class SpecDocument;
 class YrMenuItem;
@@ -69,6 +73,13 @@ class View : public ViewUI {
   IdbDocument* idbDocument() const { return _idb; }
   void setIdbDocument(IdbDocument* idb) { _idb = idb; }
 
+  /// Connects the Add Files, Permissions and Attributes panels with the
+  /// file list in both directions (the file list's model, not owned).
+  void connectFileList(FileListModel* fileList);
+  FileListAdd* addPanel() const { return _addPanel; }
+  FileListPerms* permsPanel() const { return _permsPanel; }
+  FileListAttrs* attrsPanel() const { return _attrsPanel; }
+
   /// How the core reports to the user: this log and the shared dialogs.
   Reporter& reporter() { return *_reporter; }
 
@@ -87,6 +98,8 @@ class View : public ViewUI {
   void makePixmaps(Widget parent);
   void createTabPanel();
   void createPanels();
+  template <class Panel>
+  Panel* fillBody(const char* name, Widget body);
   void colourMessageLog();
   static void raise(Widget w);
 
@@ -102,6 +115,9 @@ class View : public ViewUI {
   SpecDocument* _spec = nullptr;
   IdbDocument* _idb = nullptr;
   std::unique_ptr<Reporter> _reporter;
+  FileListAdd* _addPanel = nullptr;
+  FileListPerms* _permsPanel = nullptr;
+  FileListAttrs* _attrsPanel = nullptr;
   // Panels shown in the work area, in creation order.
   std::vector<std::unique_ptr<class YrComponent>> _panels;
 };
