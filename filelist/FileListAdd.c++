@@ -50,7 +50,7 @@ StreamReporter& stderrReporter() {
 }  // namespace
 
 FileListAdd::FileListAdd(const char* name, Widget parent)
-    : FileListAddUI(name, parent), _searchCommand(DirectorySearch::findCommand()) {
+    : FileListAddUI(name, parent) {
   setDefaultResources(parent, kResources);
   addBoldRendition();
 }
@@ -314,8 +314,7 @@ bool FileListAdd::searchInterrupted(int count) {
 
 bool FileListAdd::addDir(const std::string& dir, StringSet& set, int& count) {
   DirectorySearch::Poll poll = [this](int n) { return searchInterrupted(n); };
-  set.add(dir);
-  if (!DirectorySearch::addByCommand(_searchCommand, dir, count, set, false, poll)) return false;
+  if (!DirectorySearch::addDir(dir, set, count, poll)) return false;
   if (YrApp* app = YrApp::theApp()) {
     char text[64];
     std::snprintf(text, sizeof text, "Added \n%d files.", set.count());

@@ -65,10 +65,6 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
   /// The directory chooser.
   void showOpenBrowser();
 
-  /// The command a directory add runs ("%s" for the directory); tests
-  /// replace it.
-  void setSearchCommand(const std::vector<std::string>& command) { _searchCommand = command; }
-
  protected:
   void allPushButton(Widget, XtPointer) override;
   void arrowButton(Widget, XtPointer) override;
@@ -94,7 +90,6 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
   FileListModel* _fileList = nullptr;
   Reporter* _reporter = nullptr;
   Widget _chooser = nullptr;
-  std::vector<std::string> _searchCommand;
   // What the list shows, entry by entry, so that finding an entry by name
   // does not scan the list.
   std::vector<std::string> _names;
