@@ -75,7 +75,7 @@ bool toggleSet(XtPointer callData) {
 MainWindow::MainWindow(const char* name) : YrMsgWindow(name) { registerMessageActions(); }
 
 MainWindow::~MainWindow() {
-  // The view's widgets live in this window's tree: the view goes first.
+  destroyShell();
   _view.reset();
 }
 

@@ -3,6 +3,7 @@
 #include <Xm/ToggleB.h>
 #include <Xm/Xm.h>
 
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "app/MyApp.h"
 #include "app/SpecDocument.h"
 #include "app/View.h"
+#include "app/ui/LayoutFonts.h"
 #include "util/UiTestApp.h"
 #include "yr/YrDialogManager.h"
 #include "yr/YrMenuItem.h"
@@ -264,6 +266,19 @@ TEST_F(MainWindowTest, NoforkComesFromTheOptionOrTheResource) {
     XrmSetDatabase(UiTestApp::display(), old);
     XrmDestroyDatabase(fresh);
   }
+}
+
+// The installed app-defaults file must say what the built-in fallbacks
+// say, or an installed program would look different from a built one.
+TEST(AppDefaultsTest, FileCarriesEveryFallbackLine) {
+  std::ifstream in(TAMBLIN_APP_DEFAULTS);
+  ASSERT_TRUE(in) << TAMBLIN_APP_DEFAULTS;
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(in, line);)
+    if (!line.empty() && line[0] != '!') lines.push_back(line);
+  std::vector<std::string> fallback;
+  for (const char* const* l = layoutFontResources; *l; ++l) fallback.push_back(*l);
+  EXPECT_EQ(fallback, lines);
 }
 
 }  // namespace

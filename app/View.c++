@@ -7,10 +7,16 @@
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "app/IdbDocument.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
+#include "app/ui/FileListTagsUI.h"
+#include "app/ui/FileListUI.h"
+#include "app/ui/GenerateUI.h"
+#include "app/ui/SpecDetailUI.h"
+#include "app/ui/SpecGraphUI.h"
 #include "app/ViewReporter.h"
 #include "filelist/FileListAdd.h"
 #include "filelist/FileListAttrs.h"
@@ -82,7 +88,7 @@ void View::useTabImages(const char* const* const* normal, const char* const* con
   gSelectedImages = selected ? selected : selectedTabXpm;
 }
 
-View::View(const char* name, Widget parent) : ViewUI(name, parent) {
+View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtDisplay(parent)) {
   _reporter = std::make_unique<ViewReporter>(*this);
   makePixmaps(parent);
   createTabPanel();
@@ -91,14 +97,14 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent) {
 }
 
 View::~View() {
+  // The whole tree at once (the tabs still show the pictures); the panels
+  // then only forget their widgets.
+  if (_baseWidget) XtDestroyWidget(_baseWidget);
   _panels.clear();
   _tabPanel.reset();
-  if (_baseWidget) {
-    Display* display = XtDisplay(_baseWidget);
-    for (int i = 0; i < kNumViews; ++i) {
-      if (_normalPixmaps[i]) XFreePixmap(display, _normalPixmaps[i]);
-      if (_selectedPixmaps[i]) XFreePixmap(display, _selectedPixmaps[i]);
-    }
+  for (int i = 0; i < kNumViews; ++i) {
+    if (_normalPixmaps[i]) XFreePixmap(_display, _normalPixmaps[i]);
+    if (_selectedPixmaps[i]) XFreePixmap(_display, _selectedPixmaps[i]);
   }
 }
 
@@ -131,28 +137,34 @@ void View::createTabPanel() {
 }
 
 void View::createPanels() {
-  // The panels of the work area arrive here, each in its body: the file
-  // list (right frame), tags and add files (files body), product hierarchy
-  // (spec body), node details (right form), permissions, attributes and
-  // build.
-  _addPanel = fillBody<FileListAdd>("FileListAdd", _addBody);
+  // Every panel once, in its body, shown as soon as it is made.  The panels
+  // whose behaviour is not there yet are their bare layouts.
+  struct Place {
+    std::function<YrComponent*()> make;
+    bool attach;  // the body is a form: fill it
+  };
+  const Place places[] = {
+      {[this] { return new FileListUI("FileList", _rightFrame); }, false},
+      {[this] { return new FileListTagsUI("FileListTags", _tagsBody); }, true},
+      {[this] { return new SpecGraphUI("SpecGraph", _specBody); }, false},
+      {[this] { return new SpecDetailUI("SpecDetail", _rightForm); }, true},
+      {[this] { return _addPanel = new FileListAdd("FileListAdd", _addBody); }, true},
+      {[this] { return _permsPanel = new FileListPerms("FileListPerms", _permsBody); }, true},
+      {[this] { return _attrsPanel = new FileListAttrs("FileListAttrs", _attrsBody); }, true},
+      {[this] { return new GenerateUI("Generate", _generateBody); }, true},
+  };
+  for (const Place& place : places) {
+    YrComponent* panel = place.make();
+    _panels.emplace_back(panel);
+    panel->show();
+    if (place.attach)
+      XtVaSetValues(panel->baseWidget(), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                    XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                    XmATTACH_FORM, nullptr);
+  }
   _addPanel->connect(nullptr, _reporter.get());
   _addPanel->setBrowsingDirectory("");
-  _permsPanel = fillBody<FileListPerms>("FileListPerms", _permsBody);
-  _attrsPanel = fillBody<FileListAttrs>("FileListAttrs", _attrsBody);
   _attrsPanel->hideInternalNames();
-}
-
-template <class Panel>
-Panel* View::fillBody(const char* name, Widget body) {
-  auto panel = std::make_unique<Panel>(name, body);
-  XtVaSetValues(panel->baseWidget(), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
-                XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
-                XmATTACH_FORM, nullptr);
-  panel->show();
-  Panel* raw = panel.get();
-  _panels.push_back(std::move(panel));
-  return raw;
 }
 
 void View::connectFileList(FileListModel* fileList) {

@@ -98,11 +98,10 @@ class View : public ViewUI {
   void makePixmaps(Widget parent);
   void createTabPanel();
   void createPanels();
-  template <class Panel>
-  Panel* fillBody(const char* name, Widget body);
   void colourMessageLog();
   static void raise(Widget w);
 
+  Display* _display;
   std::unique_ptr<YrTabPanel> _tabPanel;
   int _currentView = 0;
   bool _useTextLabels = false;

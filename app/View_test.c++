@@ -113,8 +113,8 @@ struct MenuBar {
     XtManageChild(bar);
   }
   ~MenuBar() {
-    pane.reset();
     XtDestroyWidget(shell);
+    pane.reset();
   }
   YrMenu& add(const char* label) {
     pane = std::make_unique<YrMenu>(bar, label);
@@ -164,6 +164,45 @@ TEST_F(ViewTest, ChoosingATabRaisesItsBodiesAndRefreshesTheFileList) {
       else
         EXPECT_EQ(normal[i], tabPixmap(i)) << "tab " << i << " should look normal";
     }
+  }
+}
+
+TEST_F(ViewTest, EveryPanelIsShownInItsOwnBody) {
+  View& v = makeView();
+  struct Case {
+    const char* panel;
+    const char* body;
+  } cases[] = {
+      {"FileList", "rightFrame"},     {"FileListTags", "tagsBody"},
+      {"SpecGraph", "specBody"},      {"SpecDetail", "rightForm"},
+      {"FileListAdd", "addBody"},     {"FileListPerms", "permsBody"},
+      {"FileListAttrs", "attrsBody"}, {"Generate", "generateBody"},
+  };
+  for (const Case& c : cases) {
+    Widget panel = XtNameToWidget(v.baseWidget(), (std::string("*") + c.panel).c_str());
+    ASSERT_NE(nullptr, panel) << c.panel;
+    EXPECT_STREQ(c.body, XtName(XtParent(panel))) << c.panel;
+    EXPECT_TRUE(XtIsManaged(panel)) << c.panel;
+  }
+}
+
+TEST_F(ViewTest, MessageLogColourComesFromTheReadOnlyBackgroundResource) {
+  struct Case {
+    const char* resource;  // null: the default
+    const char* colour;
+  } cases[] = {{nullptr, "yellow"}, {"*readOnlyBackground: red", "red"}};
+  for (const Case& c : cases) {
+    XrmDatabase db = XtDatabase(UiTestApp::display());
+    if (c.resource) XrmPutLineResource(&db, c.resource);
+    View& v = makeView();
+    XColor expected, exact;
+    Colormap map = DefaultColormap(UiTestApp::display(), DefaultScreen(UiTestApp::display()));
+    ASSERT_TRUE(XAllocNamedColor(UiTestApp::display(), map, c.colour, &expected, &exact));
+    Pixel background = 0;
+    XtVaGetValues(v.messageText(), XmNbackground, &background, nullptr);
+    EXPECT_EQ(expected.pixel, background) << c.colour;
+    view.reset();
+    if (c.resource) XrmPutLineResource(&db, "*readOnlyBackground: yellow");
   }
 }
 

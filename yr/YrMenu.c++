@@ -19,10 +19,14 @@ YrMenu::YrMenu(Widget parent, const char* label, int position)
   ++n;
   XtSetArg(args[n], XmNpositionIndex, position < 0 ? XmLAST_POSITION : position);
   ++n;
-  // Only the first letter of a menu bar entry is its mnemonic (File, View).
   _cascade = XmCreateCascadeButton(parent, const_cast<char*>(label), args, n);
   XmStringFree(text);
-  if (label[0]) XtVaSetValues(_cascade, XmNmnemonic, static_cast<KeySym>(label[0]), nullptr);
+  // Menu bar entries open with Alt and their first letter (File, View);
+  // inside a pane first letters repeat (Save, SaveAs), so none there.
+  unsigned char type = 0;
+  XtVaGetValues(parent, XmNrowColumnType, &type, nullptr);
+  if (type == XmMENU_BAR && label[0])
+    XtVaSetValues(_cascade, XmNmnemonic, static_cast<KeySym>(label[0]), nullptr);
   XtManageChild(_cascade);
 }
 

@@ -9,14 +9,16 @@
 
 YrSimpleWindow::YrSimpleWindow(const char* name) : YrComponent(name) {}
 
-YrSimpleWindow::~YrSimpleWindow() {
-  if (YrApp* app = YrApp::theApp(); app && _shell) app->unregisterShell(_shell);
-  if (_shell) {
-    // The shell holds the base widget: one destruction takes both.
-    if (_baseWidget) XtRemoveAllCallbacks(_baseWidget, XmNdestroyCallback);
-    _baseWidget = nullptr;
-    XtDestroyWidget(_shell);
-  }
+YrSimpleWindow::~YrSimpleWindow() { destroyShell(); }
+
+void YrSimpleWindow::destroyShell() {
+  if (!_shell) return;
+  if (YrApp* app = YrApp::theApp()) app->unregisterShell(_shell);
+  // The shell holds the base widget: one destruction takes both, and the
+  // destroy handler forgets the base widget.
+  XtDestroyWidget(_shell);
+  _shell = nullptr;
+  _baseWidget = nullptr;
 }
 
 void YrSimpleWindow::initialize() {

@@ -31,6 +31,11 @@ class YrSimpleWindow : public YrComponent {
   virtual Widget createMenuBar(Widget mainWindow);
   /// The window manager asked to close the window; default: hide it.
   virtual void closeRequested();
+  /// Destroys the shell with every widget in it (components inside forget
+  /// their widgets through their destroy handlers).  Subclasses holding
+  /// components call it first in their destructor: Motif's menus do not
+  /// survive being taken apart piece by piece before their window.
+  void destroyShell();
 
   Widget _shell = nullptr;
 

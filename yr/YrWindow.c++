@@ -4,7 +4,10 @@
 
 YrWindow::YrWindow(const char* name) : YrSimpleWindow(name) {}
 
-YrWindow::~YrWindow() { _panes.clear(); }
+YrWindow::~YrWindow() {
+  destroyShell();
+  _panes.clear();
+}
 
 Widget YrWindow::createMenuBar(Widget mainWindow) {
   _menuBar = XmCreateMenuBar(mainWindow, const_cast<char*>("menuBar"), nullptr, 0);
