@@ -384,16 +384,38 @@ bool FileListModel::read(const std::string& file) {
   return true;
 }
 
+// The chosen file relative to the current directory where it lies below it.
+bool FileListModel::askFileName(const char* title, bool proposeProduct, std::string* chosen) {
+  if (!_fileNamePrompt) return false;
+  const std::string proposed =
+      proposeProduct ? (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb"
+                     : std::string();
+  std::string answer;
+  if (!_fileNamePrompt->askFileName(title, "*idb", proposed, &answer)) return false;
+  *chosen = trimCurrent(answer);
+  return !chosen->empty();
+}
+
+bool FileListModel::showOpenBrowser() {
+  std::string file;
+  return abandonChanges() && askFileName("Open Idb", false, &file) && open(file);
+}
+
+bool FileListModel::showReadBrowser() {
+  std::string file;
+  if (!askFileName("Append Idb", true, &file) || !read(file)) return false;
+  _reporter.logMessage(format("Appended idb '%s'.", file.c_str()));
+  return true;
+}
+
+bool FileListModel::showSaveBrowser() {
+  std::string file;
+  return askFileName("Save Idb", true, &file) && save(file.c_str());
+}
+
 bool FileListModel::save(const char* file) {
   std::string target = file ? file : _idb->name();
-  if (target.empty()) {
-    if (!_fileNamePrompt) return false;
-    const std::string product = _specGraph ? _specGraph->getProductName() : std::string();
-    std::string chosen;
-    if (!_fileNamePrompt->askFileName("Save Idb", "*idb", product + ".idb", &chosen)) return false;
-    target = trimCurrent(chosen);
-    if (target.empty()) return false;
-  }
+  if (target.empty() && !askFileName("Save Idb", true, &target)) return false;
   if (_buildPanel) {
     const std::string dist = _buildPanel->getDistDir();
     if (!dist.empty() && samePath(mypathdirname(target), dist)) {

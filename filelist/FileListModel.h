@@ -116,6 +116,12 @@ class FileListModel {
   /// Saves to file, or to the idb's own name when file is null; with no name
   /// at all the FileNamePrompt is asked, proposing "<product>.idb".
   bool save(const char* file);
+  /// File > Open, Append and SaveAs: ask for a file ("*idb"; append and save
+  /// propose "<product>.idb") and open, append or save it.  Open first asks
+  /// abandonChanges.  False when refused, cancelled or failed.
+  bool showOpenBrowser();
+  bool showReadBrowser();
+  bool showSaveBrowser();
   /// True when there are no unsaved changes or the user agrees to drop them.
   bool abandonChanges();
   /// Starts a new, empty idb (after abandonChanges agrees).
@@ -208,7 +214,7 @@ class FileListModel {
   void removeItems(const std::vector<char>& doomed);
   template <class Edit>
   bool editSelected(Edit edit);
-  std::string lineFor(int index) const;
+  bool askFileName(const char* title, bool proposeProduct, std::string* chosen);
 
   Reporter& _reporter;
   AddFilesPartner* _addPanel = nullptr;

@@ -14,6 +14,7 @@
 #include "filelist/AddFilesPartner.h"
 #include "filelist/AttrsPartner.h"
 #include "filelist/BuildPartner.h"
+#include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
 #include "filelist/PermsPartner.h"
 #include "filelist/SpecGraphPartner.h"
@@ -128,6 +129,18 @@ class FakePrompt : public FileNamePrompt {
     return answer.has_value();
   }
   std::optional<std::string> answer;
+
+ private:
+  CallLog& _log;
+};
+
+class FakeDisplay : public FileListDisplay {
+ public:
+  explicit FakeDisplay(CallLog& log) : _log(log) {}
+  void linesChanged() override { _log.calls.push_back("display.lines"); }
+  void selectionChanged() override { _log.calls.push_back("display.selection"); }
+  void showLastLine() override { _log.calls.push_back("display.last"); }
+  void fileNameChanged(const std::string& label) override { _log.calls.push_back("display.name " + label); }
 
  private:
   CallLog& _log;
@@ -424,6 +437,68 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
   log.calls.clear();
   EXPECT_TRUE(model.save(nullptr));
   EXPECT_TRUE(log.calls.empty());
+}
+
+TEST_F(FileListModelTest, FileBrowsers) {
+  spec.products = {"prod"};
+  const std::string a = dir.write("a.idb", "f 0644 root sys a a t\n");
+  const std::string b = dir.write("b.idb", "f 0644 root sys b b t\n");
+  EXPECT_FALSE(model.showOpenBrowser());  // cancelled
+  EXPECT_EQ(log.calls, Lines{"prompt Open Idb|*idb|"});
+  prompt.answer = a;
+  EXPECT_TRUE(model.showOpenBrowser());
+  EXPECT_EQ(model.idbFileName(), a);
+
+  prompt.answer = b;
+  log.calls.clear();
+  rep.clear();
+  EXPECT_TRUE(model.showReadBrowser());
+  EXPECT_EQ(log.calls.front(), "prompt Append Idb|*idb|prod.idb");
+  EXPECT_EQ(rep.texts("log"), Lines{"Appended idb '" + b + "'."});
+  EXPECT_EQ(model.getList(), (Lines{"t a", "t b"}));
+
+  // Open asks about the unsaved append before any dialog; declined, no dialog.
+  rep.answer(false);
+  log.calls.clear();
+  EXPECT_FALSE(model.showOpenBrowser());
+  EXPECT_TRUE(log.calls.empty());
+  EXPECT_EQ(rep.texts("question").size(), 1u);
+
+  prompt.answer = dir.file("c.idb");
+  EXPECT_TRUE(model.showSaveBrowser());
+  EXPECT_EQ(log.calls.front(), "prompt Save Idb|*idb|prod.idb");
+  EXPECT_EQ(dir.read("c.idb"), "f 0644 root sys a a t\nf 0644 root sys b b t\n");
+}
+
+TEST_F(FileListModelTest, TheDisplayIsToldWhatToMirror) {
+  const std::string src = makeSources({"new"});
+  ASSERT_TRUE(model.setSourceRoot(src));
+  FakeDisplay display(log);
+  model.setDisplay(&display);
+  model.setView(FileListModel::kTagView);
+  const std::string file = dir.write("a.idb", "f 0644 root sys x new t\n");
+  log.calls.clear();
+  ASSERT_TRUE(model.open(file));
+  EXPECT_EQ(log.calls, (Lines{"display.lines", "add.refresh", "tags.refresh", "display.name Idb File:  " + file}));
+
+  const struct {
+    const char* name;
+    std::function<void(FileListModel&)> op;
+    Lines calls;
+  } cases[] = {
+      {"select", [](FileListModel& m) { m.selectMatching("t"); }, {"display.selection"}},
+      {"select tag", [](FileListModel& m) { m.selectTag("t"); }, {"display.selection"}},
+      {"edit", [](FileListModel& m) { m.replaceOwner("bin"); }, {}},
+      {"refresh", [](FileListModel& m) { m.refresh(); }, {"display.lines"}},
+      {"hierarchy view", [](FileListModel& m) { m.setView(0); m.refresh(); m.setView(1); }, {}},
+      {"add", [&src](FileListModel& m) { m.add({src + "/new"}); }, {"display.lines", "display.last"}},
+  };
+  for (const auto& c : cases) {
+    log.calls.clear();
+    c.op(model);
+    EXPECT_EQ(log.calls, c.calls) << c.name;
+  }
+  model.setDisplay(nullptr);
 }
 
 TEST_F(FileListModelTest, AbandonChangesAsksOnlyWhenModified) {
