@@ -12,13 +12,14 @@
 #include "app/IdbDocument.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
-#include "app/ui/FileListAddUI.h"
-#include "app/ui/FileListAttrsUI.h"
-#include "app/ui/FileListPermsUI.h"
 #include "app/ui/FileListUI.h"
 #include "app/ui/GenerateUI.h"
 #include "app/ViewReporter.h"
 #include "filelist/FileListTags.h"
+#include "filelist/FileListAdd.h"
+#include "filelist/FileListAttrs.h"
+#include "filelist/FileListModel.h"
+#include "filelist/FileListPerms.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecDetail.h"
 #include "spec/SpecGraph.h"
@@ -148,9 +149,9 @@ void View::createPanels() {
       {[&] { return _tagsPanel = new FileListTags("FileListTags", _tagsBody, reporter); }, true},
       {[&] { return _specGraph = new SpecGraph("SpecGraph", _specBody, reporter); }, false},
       {[&] { return _specDetail = new SpecDetail("SpecDetail", _rightForm, reporter); }, true},
-      {[this] { return new FileListAddUI("FileListAdd", _addBody); }, true},
-      {[this] { return new FileListPermsUI("FileListPerms", _permsBody); }, true},
-      {[this] { return new FileListAttrsUI("FileListAttrs", _attrsBody); }, true},
+      {[this] { return _addPanel = new FileListAdd("FileListAdd", _addBody); }, true},
+      {[this] { return _permsPanel = new FileListPerms("FileListPerms", _permsBody); }, true},
+      {[this] { return _attrsPanel = new FileListAttrs("FileListAttrs", _attrsBody); }, true},
       {[this] { return new GenerateUI("Generate", _generateBody); }, true},
   };
   for (const Place& place : places) {
@@ -170,6 +171,19 @@ void View::createPanels() {
   _specDetail->setTagsPanel(_tagsPanel);
   _spec = _specGraph;
   _specGraph->model().defaultGraph();
+  _addPanel->connect(nullptr, _reporter.get());
+  _addPanel->setBrowsingDirectory("");
+  _attrsPanel->hideInternalNames();
+}
+
+void View::connectFileList(FileListModel* fileList) {
+  fileList->setAddFilesPartner(_addPanel);
+  fileList->setPermsPartner(_permsPanel);
+  fileList->setAttrsPartner(_attrsPanel);
+  _addPanel->connect(fileList, _reporter.get());
+  _permsPanel->connect(fileList, _reporter.get());
+  _attrsPanel->connect(fileList, _reporter.get());
+  _addPanel->newSourceRootDirectory(fileList->sourceRoot());
 }
 
 void View::colourMessageLog() {
@@ -279,10 +293,12 @@ void View::hideMessages() {
 }
 
 void View::showInternalNames() {
+  if (_attrsPanel) _attrsPanel->showInternalNames();
   if (_showInternalNamesToggle) _showInternalNamesToggle->setVisualState(true);
 }
 
 void View::hideInternalNames() {
+  if (_attrsPanel) _attrsPanel->hideInternalNames();
   if (_showInternalNamesToggle) _showInternalNamesToggle->setVisualState(false);
 }
 

@@ -19,6 +19,10 @@
 #include "util/Reporter.h"
 
 class FileListTags;
+class FileListAdd;
+class FileListAttrs;
+class FileListModel;
+class FileListPerms;
 class IdbDocument;
 class SpecDetail;
 class SpecGraph;
@@ -72,6 +76,13 @@ class View : public ViewUI {
   IdbDocument* idbDocument() const { return _idb; }
   void setIdbDocument(IdbDocument* idb) { _idb = idb; }
 
+  /// Connects the Add Files, Permissions and Attributes panels with the
+  /// file list in both directions (the file list's model, not owned).
+  void connectFileList(FileListModel* fileList);
+  FileListAdd* addPanel() const { return _addPanel; }
+  FileListPerms* permsPanel() const { return _permsPanel; }
+  FileListAttrs* attrsPanel() const { return _attrsPanel; }
+
   /// How the core reports to the user: this log and the shared dialogs.
   Reporter& reporter() { return *_reporter; }
 
@@ -111,6 +122,9 @@ class View : public ViewUI {
   SpecDocument* _spec = nullptr;
   IdbDocument* _idb = nullptr;
   std::unique_ptr<Reporter> _reporter;
+  FileListAdd* _addPanel = nullptr;
+  FileListPerms* _permsPanel = nullptr;
+  FileListAttrs* _attrsPanel = nullptr;
   // Panels shown in the work area, in creation order.
   std::vector<std::unique_ptr<class YrComponent>> _panels;
   SpecGraph* _specGraph = nullptr;

@@ -12,6 +12,12 @@
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/View.h"
+#include "filelist/FileListAdd.h"
+#include "filelist/FileListAttrs.h"
+#include "filelist/FileListModel.h"
+#include "filelist/FileListPerms.h"
+#include "util/RecordingReporter.h"
+#include "util/TempDir.h"
 #include "util/UiTestApp.h"
 #include "yr/YrApp.h"
 #include "yr/YrDialogManager.h"
@@ -337,6 +343,38 @@ TEST_F(ViewTest, ReporterWritesTheLogAndUsesTheSharedDialogs) {
     YrDialogManager::queueResponder([a](YrDialogManager& d) { d.press(a); });
     EXPECT_EQ(a == YrDialogManager::Ok, r.question("Abandon changes to idb file?\n"));
   }
+}
+
+TEST_F(ViewTest, FilePanelsConnectedAndBoardNamesFollowTheMenu) {
+  View& v = makeView();
+  ASSERT_NE(nullptr, v.addPanel());
+  ASSERT_NE(nullptr, v.attrsPanel());
+  Widget cpuBoards = XtNameToWidget(v.attrsPanel()->baseWidget(), "*attrsCpuBoardRowColumn");
+  ASSERT_NE(nullptr, cpuBoards);
+  EXPECT_FALSE(XtIsManaged(cpuBoards));  // hidden from the start
+  v.showInternalNames();
+  EXPECT_TRUE(XtIsManaged(cpuBoards));
+  v.hideInternalNames();
+  EXPECT_FALSE(XtIsManaged(cpuBoards));
+
+  // Connected, the panels follow the file list: the browser moves into the
+  // source root and the permissions panel shows it.
+  TempDir tree;
+  tree.write("f", "");
+  RecordingReporter reporter;
+  FileListModel model(reporter);
+  ASSERT_TRUE(model.setSourceRoot(tree.path()));
+  v.connectFileList(&model);
+  EXPECT_EQ(tree.path(), v.addPanel()->browsingDirectory());
+  Widget sourceRoot = XtNameToWidget(v.permsPanel()->baseWidget(), "*sourceRootTextField");
+  char* shown = XmTextGetString(sourceRoot);
+  EXPECT_EQ(tree.path(), std::string(shown));
+  XtFree(shown);
+  model.setSourceRoot("/");
+  EXPECT_EQ(tree.path(), v.addPanel()->browsingDirectory());  // still inside: stays
+  model.setAddFilesPartner(nullptr);
+  model.setPermsPartner(nullptr);
+  model.setAttrsPartner(nullptr);
 }
 
 }  // namespace
