@@ -1,8 +1,59 @@
 #!/usr/bin/env bash
-# Builds Tamblin and runs it.
+# Builds Tamblin and runs it in the foreground ("-nofork").
+#
+# Without a DISPLAY it starts a private Xvfb, runs the program there, saves a
+# screenshot of the main window as out/run/tamblin.png, ends the program and
+# says where the picture is.  Extra arguments go to the program.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/setup.sh
-cmake -S . -B out/run -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build out/run -j "$(nproc)" --target tamblin-cli
-exec out/run/cli/tamblin-cli --help
+cmake -S . -B out/run -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAMBLIN_BENCH=OFF >/dev/null
+cmake --build out/run -j 2 --target tamblin tamblin-cli
+prog=out/run/app/tamblin
+
+if [[ -n "${DISPLAY:-}" ]]; then
+  exec "$prog" -nofork "$@"
+fi
+
+shot=$PWD/out/run/tamblin.png
+work=$(mktemp -d)
+xvfb_pid= prog_pid=
+cleanup() {
+  local pid
+  for pid in $prog_pid $xvfb_pid; do
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+# Xvfb picks a free display number and writes it to descriptor 3.
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
+xvfb_pid=$!
+for _ in $(seq 100); do
+  [[ -s "$work/display" ]] && break
+  kill -0 "$xvfb_pid" 2>/dev/null || { cat "$work/xvfb.log" >&2; exit 1; }
+  sleep 0.1
+done
+[[ -s "$work/display" ]] || { echo "run: Xvfb did not start" >&2; exit 1; }
+export DISPLAY=":$(head -n1 "$work/display")"
+
+"$prog" -nofork "$@" &
+prog_pid=$!
+window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1) || {
+  echo "run: the main window did not appear" >&2
+  exit 1
+}
+# The window is up once its picture has more than a handful of colours
+# (text and tab images drawn).
+for _ in $(seq 100); do
+  colours=0
+  if import -window "$window" "$shot" 2>/dev/null; then
+    colours=$(identify -format '%k' "$shot")
+  fi
+  (( colours > 20 )) && break
+  sleep 0.1
+done
+(( colours > 20 )) || { echo "run: could not take a screenshot of the main window" >&2; exit 1; }
+echo "run: screenshot of the main window: $shot"

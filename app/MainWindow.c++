@@ -1,0 +1,295 @@
+#include "app/MainWindow.h"
+
+#include <Xm/ToggleB.h>
+
+#include <cstring>
+#include <string>
+
+#include "app/IdbDocument.h"
+#include "app/SpecDocument.h"
+#include "app/View.h"
+#include "yr/YrApp.h"
+#include "yr/YrMenu.h"
+
+const char* const MainWindow::kStartHint =
+    "Enter your product name and description then click <Assign>, and create initial spec/idb "
+    "file pair by working from left to right through the tabs above.  Otherwise, use the "
+    "File->Open->Both menu item to start with an existing spec/idb file pair.";
+
+namespace {
+
+// Until the product hierarchy and file list panels are in the view, their
+// menu entries tell the user so instead of doing nothing.  Nothing is
+// unsaved, so dropping changes is always agreed.
+class MissingSpec : public SpecDocument {
+ public:
+  explicit MissingSpec(View& view) : _view(view) {}
+  int abandonChanges() override { return 1; }
+  int open(const char*) override { return missing(); }
+  int showOpenBrowser() override { return missing(); }
+  int showReadBrowser() override { return missing(); }
+  int showSaveBrowser() override { return missing(); }
+  int save(const char*) override { return missing(); }
+  std::string getProductName() override { return ""; }
+  bool subsystemExists() override { return false; }
+
+ private:
+  int missing() {
+    _view.logMessage("Spec files cannot be opened or saved: this version has no product hierarchy panel.");
+    _view.showMessages();
+    return 0;
+  }
+  View& _view;
+};
+
+class MissingIdb : public IdbDocument {
+ public:
+  explicit MissingIdb(View& view) : _view(view) {}
+  void clear() override { missing(); }
+  int abandonChanges() override { return 1; }
+  int open(const char*) override { return missing(); }
+  int showOpenBrowser() override { return missing(); }
+  int showReadBrowser() override { return missing(); }
+  int showSaveBrowser() override { return missing(); }
+  int save(const char*) override { return missing(); }
+  int recordCount() override { return 0; }
+  void refresh() override {}
+
+ private:
+  int missing() {
+    _view.logMessage("Idb files cannot be opened or saved: this version has no file list panel.");
+    _view.showMessages();
+    return 0;
+  }
+  View& _view;
+};
+
+MainWindow* self(XtPointer clientData) { return static_cast<MainWindow*>(clientData); }
+
+bool toggleSet(XtPointer callData) {
+  return static_cast<XmToggleButtonCallbackStruct*>(callData)->set != 0;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(const char* name) : YrMsgWindow(name) { registerMessageActions(); }
+
+MainWindow::~MainWindow() {
+  destroyShell();
+  _view.reset();
+}
+
+// ---------------------------------------------------------------------------
+// Requests from other desktop tools
+// ---------------------------------------------------------------------------
+
+void MainWindow::registerMessageActions() {
+  // The edit-installation request ("Orvex_Packager_Edit_Installation": a
+  // directory, a spec file, an idb file and a distribution directory) is
+  // registered here once the message service is connected to the event
+  // loop.  Nothing is offered until then.
+}
+
+// ---------------------------------------------------------------------------
+// Building the window
+// ---------------------------------------------------------------------------
+
+Widget MainWindow::setUpInterface(Widget parent) {
+  _view = std::make_unique<View>("view", parent);
+  _noSpec = std::make_unique<MissingSpec>(*_view);
+  _noIdb = std::make_unique<MissingIdb>(*_view);
+  buildMenus();
+  _view->show();
+  _view->setShowMessagesToggle(_showMessagesToggle);
+  _view->setShowInternalNamesToggle(_showInternalNamesToggle);
+  _view->setCreatePatchItem(_createPatchItem);
+  XFlush(XtDisplay(parent));
+  _view->initialView();
+  _view->logMessage(kStartHint);
+  _view->showMessages();
+  return _view->baseWidget();
+}
+
+void MainWindow::buildMenus() {
+  enum Kind { Item, Toggle, Separator };
+  struct Row {
+    const char* pane;
+    const char* submenu;  // null: directly in the pane
+    const char* label;
+    Kind kind;
+    XtCallbackProc callback;
+  };
+  static const Row rows[] = {
+      {"File", "New", "Spec", Item, &MainWindow::newSpecCallback},
+      {"File", "New", "Idb", Item, &MainWindow::newIdbCallback},
+      {"File", "New", "Both", Item, &MainWindow::newBothCallback},
+      {"File", "Open", "Spec", Item, &MainWindow::openSpecCallback},
+      {"File", "Open", "Idb", Item, &MainWindow::openIdbCallback},
+      {"File", "Open", "Both", Item, &MainWindow::openBothCallback},
+      {"File", "Append", "Spec", Item, &MainWindow::readSpecCallback},
+      {"File", "Append", "Idb", Item, &MainWindow::readIdbCallback},
+      {"File", nullptr, nullptr, Separator, nullptr},
+      {"File", "Save", "Spec", Item, &MainWindow::saveSpecCallback},
+      {"File", "Save", "Idb", Item, &MainWindow::saveIdbCallback},
+      {"File", "Save", "Both", Item, &MainWindow::saveBothCallback},
+      {"File", "SaveAs", "Spec", Item, &MainWindow::saveAsSpecCallback},
+      {"File", "SaveAs", "Idb", Item, &MainWindow::saveAsIdbCallback},
+      {"File", nullptr, nullptr, Separator, nullptr},
+      {"File", nullptr, "Create Patch...", Item, &MainWindow::createPatchCallback},
+      {"File", nullptr, nullptr, Separator, nullptr},
+      {"File", nullptr, "Quit", Item, &MainWindow::quitCallback},
+      {"View", nullptr, "Show Messages", Toggle, &MainWindow::showMessagesCallback},
+      {"View", nullptr, "Show Orvex Board Names", Toggle, &MainWindow::showInternalNamesCallback},
+  };
+  for (const Row& row : rows) {
+    YrMenu* pane = !std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu;
+    if (!pane) {
+      pane = addMenuPane(row.pane, -1);
+      (!std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu) = pane;
+    }
+    YrMenu* target = pane;
+    if (row.submenu) {
+      target = dynamic_cast<YrMenu*>(pane->find(row.submenu));
+      if (!target) target = pane->addSubmenu(row.submenu, -1);
+    }
+    switch (row.kind) {
+      case Separator:
+        target->addSeparator(-1);
+        break;
+      case Toggle:
+        target->addToggle(row.label, row.callback, this, -1);
+        break;
+      case Item:
+        target->addItem(row.label, row.callback, this, -1);
+        break;
+    }
+  }
+  _newMenu = dynamic_cast<YrMenu*>(_fileMenu->find("New"));
+  _openMenu = dynamic_cast<YrMenu*>(_fileMenu->find("Open"));
+  _appendMenu = dynamic_cast<YrMenu*>(_fileMenu->find("Append"));
+  _saveMenu = dynamic_cast<YrMenu*>(_fileMenu->find("Save"));
+  _saveAsMenu = dynamic_cast<YrMenu*>(_fileMenu->find("SaveAs"));
+  _createPatchItem = dynamic_cast<YrMenuItem*>(_fileMenu->find("Create Patch..."));
+  _createPatchItem->deactivate();
+  _showMessagesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Messages"));
+  _showInternalNamesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Orvex Board Names"));
+}
+
+YrMenuItem* MainWindow::menuItem(const char* path) const {
+  std::string rest = path;
+  YrMenu* menu = nullptr;
+  for (YrMenu* pane : {_fileMenu, _viewMenu}) {
+    std::string prefix = std::string(pane->label()) + "/";
+    if (rest.compare(0, prefix.size(), prefix) == 0) {
+      menu = pane;
+      rest.erase(0, prefix.size());
+    }
+  }
+  while (menu) {
+    size_t slash = rest.find('/');
+    YrComponent* entry = menu->find(rest.substr(0, slash).c_str());
+    if (slash == std::string::npos) return dynamic_cast<YrMenuItem*>(entry);
+    menu = dynamic_cast<YrMenu*>(entry);
+    rest.erase(0, slash + 1);
+  }
+  return nullptr;
+}
+
+SpecDocument* MainWindow::spec() const {
+  return _view->specDocument() ? _view->specDocument() : _noSpec.get();
+}
+
+IdbDocument* MainWindow::idb() const {
+  return _view->idbDocument() ? _view->idbDocument() : _noIdb.get();
+}
+
+// ---------------------------------------------------------------------------
+// Menu callbacks
+// ---------------------------------------------------------------------------
+
+void MainWindow::newSpecCallback(Widget, XtPointer clientData, XtPointer) {
+  SpecDocument* spec = self(clientData)->spec();
+  if (spec->abandonChanges()) spec->open("");
+}
+
+void MainWindow::newIdbCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->idb()->clear();
+}
+
+void MainWindow::newBothCallback(Widget, XtPointer clientData, XtPointer) {
+  SpecDocument* spec = self(clientData)->spec();
+  if (spec->abandonChanges()) spec->open("");
+  // Even when the spec's changes were kept: New > Both always clears the idb.
+  self(clientData)->idb()->clear();
+}
+
+void MainWindow::openSpecCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->spec()->showOpenBrowser();
+}
+
+void MainWindow::openIdbCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->idb()->showOpenBrowser();
+}
+
+void MainWindow::openBothCallback(Widget, XtPointer clientData, XtPointer) {
+  if (self(clientData)->spec()->showOpenBrowser()) self(clientData)->idb()->showOpenBrowser();
+}
+
+void MainWindow::readSpecCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->spec()->showReadBrowser();
+}
+
+void MainWindow::readIdbCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->idb()->showReadBrowser();
+}
+
+void MainWindow::saveSpecCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->spec()->save(nullptr);
+}
+
+void MainWindow::saveIdbCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->idb()->save(nullptr);
+}
+
+void MainWindow::saveBothCallback(Widget, XtPointer clientData, XtPointer) {
+  if (self(clientData)->spec()->save(nullptr)) self(clientData)->idb()->save(nullptr);
+}
+
+void MainWindow::saveAsSpecCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->spec()->showSaveBrowser();
+}
+
+void MainWindow::saveAsIdbCallback(Widget, XtPointer clientData, XtPointer) {
+  self(clientData)->idb()->showSaveBrowser();
+}
+
+void MainWindow::createPatchCallback(Widget, XtPointer clientData, XtPointer) {
+  MainWindow* w = self(clientData);
+  // The spec is asked first here, unlike Quit.
+  if (w->spec()->abandonChanges() && w->idb()->abandonChanges()) {
+    w->_view->logMessage("Create Patch is not available in this version.");
+    w->_view->showMessages();
+  }
+}
+
+void MainWindow::quitCallback(Widget, XtPointer clientData, XtPointer) { self(clientData)->quit(); }
+
+void MainWindow::quit() {
+  if (idb()->abandonChanges() && spec()->abandonChanges()) YrApp::theApp()->quit(0);
+}
+
+void MainWindow::closeRequested() { quit(); }
+
+void MainWindow::showMessagesCallback(Widget, XtPointer clientData, XtPointer callData) {
+  if (toggleSet(callData))
+    self(clientData)->_view->showMessages();
+  else
+    self(clientData)->_view->hideMessages();
+}
+
+void MainWindow::showInternalNamesCallback(Widget, XtPointer clientData, XtPointer callData) {
+  if (toggleSet(callData))
+    self(clientData)->_view->showInternalNames();
+  else
+    self(clientData)->_view->hideInternalNames();
+}

@@ -1,0 +1,110 @@
+// View: the main window's contents.  Five picture tabs over the message log
+// and the work area; every panel is created once, stacked in its place, and
+// choosing a tab raises the panels of that view.  The view owns the panels
+// and the message log that every part of the program writes to.
+//
+// Views are numbered in tab order: 0 "Create Product Hierarchy", 1 "Tag
+// Files", 2 "Edit Permissions & Destinations", 3 "Add Attributes", 4 "Build
+// Product".
+#ifndef TAMBLIN_APP_VIEW_H
+#define TAMBLIN_APP_VIEW_H
+
+#include <X11/xpm.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/ui/ViewUI.h"
+#include "util/Reporter.h"
+
+class IdbDocument;
+class SpecDocument;
+class YrMenuItem;
+class YrMenuToggle;
+class YrTabPanel;
+
+class View : public ViewUI {
+ public:
+  static constexpr int kNumViews = 5;
+
+  View(const char* name, Widget parent);
+  ~View() override;
+  const char* className() const override { return "View"; }
+
+  /// Shows view 0 to 4; any other number is reported on standard error
+  /// after the tabs were deselected.
+  void setView(int view);
+  int currentView() const { return _currentView; }
+  void selectTab(int index);
+  int deselectAllTabs();
+  void initialView();
+
+  /// Appends a line to the message log (an empty text is ignored).
+  void logMessage(const char* text);
+  void showMessages();
+  void hideMessages();
+  /// The whole log, lines separated by "\n".
+  std::string messages() const;
+  bool messagesShown() const;
+
+  void showInternalNames();
+  void hideInternalNames();
+  /// Activates "Create Patch..." when the idb has records and the spec has
+  /// a subsystem, else deactivates it.
+  void refreshCreatePatchMenuAction();
+
+  /// The menu objects the main window hands over (each may stay null).
+  void setShowMessagesToggle(YrMenuToggle* t) { _showMessagesToggle = t; }
+  void setShowInternalNamesToggle(YrMenuToggle* t) { _showInternalNamesToggle = t; }
+  void setCreatePatchItem(YrMenuItem* i) { _createPatchItem = i; }
+
+  /// The spec being edited (null until the product hierarchy panel is
+  /// there); not owned.
+  SpecDocument* specDocument() const { return _spec; }
+  void setSpecDocument(SpecDocument* spec) { _spec = spec; }
+
+  /// The idb being edited (the file list panel; null until it is there);
+  /// not owned.
+  IdbDocument* idbDocument() const { return _idb; }
+  void setIdbDocument(IdbDocument* idb) { _idb = idb; }
+
+  /// How the core reports to the user: this log and the shared dialogs.
+  Reporter& reporter() { return *_reporter; }
+
+  YrTabPanel* tabPanel() const { return _tabPanel.get(); }
+  bool usesTextLabels() const { return _useTextLabels; }
+  /// The body raised for view (left side), for tests and tools.
+  Widget leftBody(int view) const;
+  Widget messageText() const { return _messageText; }
+
+  /// Replaces the compiled-in tab images (null: back to them) for views
+  /// made afterwards; lets tests see what a broken image does.
+  static void useTabImages(const char* const* const* normal, const char* const* const* selected);
+
+ private:
+  static void tabSelectCallback(YrTabPanel* caller, void* clientData, int index);
+  void makePixmaps(Widget parent);
+  void createTabPanel();
+  void createPanels();
+  void colourMessageLog();
+  static void raise(Widget w);
+
+  Display* _display;
+  std::unique_ptr<YrTabPanel> _tabPanel;
+  int _currentView = 0;
+  bool _useTextLabels = false;
+  Pixmap _selectedPixmaps[kNumViews] = {};
+  Pixmap _normalPixmaps[kNumViews] = {};
+  std::string _tabLabels[kNumViews];
+  YrMenuToggle* _showMessagesToggle = nullptr;
+  YrMenuToggle* _showInternalNamesToggle = nullptr;
+  YrMenuItem* _createPatchItem = nullptr;
+  SpecDocument* _spec = nullptr;
+  IdbDocument* _idb = nullptr;
+  std::unique_ptr<Reporter> _reporter;
+  // Panels shown in the work area, in creation order.
+  std::vector<std::unique_ptr<class YrComponent>> _panels;
+};
+
+#endif

@@ -1,0 +1,89 @@
+// YrDialogManager: a dialog created on first use and reused, posted with a
+// message and optional callbacks, or posted and waited for (modal).
+//
+// The program shares one error, one warning and one question dialog
+// (getTheErrorDialog() and friends).  Anything that drives the interface
+// without a user (tests, scripted runs) answers dialogs with
+// queueResponder(): the next dialog posted runs the responder from the event
+// loop once it is up, and the responder answers it with press() just as a
+// click would.
+#ifndef TAMBLIN_YR_YRDIALOGMANAGER_H
+#define TAMBLIN_YR_YRDIALOGMANAGER_H
+
+#include <functional>
+#include <string>
+
+#include "yr/YrComponent.h"
+
+class YrDialogManager : public YrComponent {
+ public:
+  enum Answer { NoAnswer, Ok, Cancel, Help };
+  enum Kind { Error, Warning, Question, Information, Working, Custom };
+  using Callback = void (*)(void* clientData);
+  using Responder = std::function<void(YrDialogManager&)>;
+
+  YrDialogManager(const char* name, Kind kind = Custom);
+  const char* className() const override { return "YrDialogManager"; }
+  Kind kind() const { return _kind; }
+
+  /// Shows the dialog with message (null keeps the dialog's own text); the
+  /// callbacks (each may be null) run when the user answers.  Returns the
+  /// dialog widget.
+  virtual Widget post(const char* message = nullptr, void* clientData = nullptr,
+                      Callback ok = nullptr, Callback cancel = nullptr, Callback help = nullptr);
+  /// Shows the dialog modally and processes events until it is answered or
+  /// taken down (Cancel).
+  Answer postAndWait(const char* message = nullptr);
+  void unpost();
+  bool isPosted() const;
+  /// The message last posted.
+  const std::string& message() const { return _message; }
+  /// The button the user pressed last (NoAnswer while posted).
+  Answer answer() const { return _answer; }
+
+  /// Presses one of the dialog's buttons through its own callbacks.
+  void press(Answer button);
+
+  /// The next posted dialog (of any kind) runs responder once it is up.
+  static void queueResponder(Responder responder);
+  static size_t pendingResponders();
+  static void clearResponders();
+  /// Longest a modal wait may take, in milliseconds (0, the default: no
+  /// limit).  A wait that runs out counts as Cancel.
+  static void setWaitLimit(unsigned long milliseconds);
+
+ protected:
+  /// Creates the dialog below parent; the default makes the message dialog
+  /// of the kind.  The result becomes the base widget.
+  virtual Widget createDialog(Widget parent);
+  virtual void ok(Widget w, XtPointer callData);
+  virtual void cancel(Widget w, XtPointer callData);
+  virtual void help(Widget w, XtPointer callData);
+  /// Creates the dialog if needed; returns it.
+  Widget dialog();
+  Widget button(Answer which) const;
+  void setAnswer(Answer a) { _answer = a; }
+
+ private:
+  static void okCallback(Widget, XtPointer, XtPointer);
+  static void cancelCallback(Widget, XtPointer, XtPointer);
+  static void helpCallback(Widget, XtPointer, XtPointer);
+  static void respondProc(XtPointer, XtIntervalId*);
+  static void waitExpired(XtPointer, XtIntervalId*);
+  void answered(Answer a);
+
+  Kind _kind;
+  std::string _message;
+  Answer _answer = NoAnswer;
+  void* _clientData = nullptr;
+  Callback _ok = nullptr;
+  Callback _cancel = nullptr;
+  Callback _help = nullptr;
+};
+
+/// The shared dialogs.
+YrDialogManager* getTheErrorDialog();
+YrDialogManager* getTheWarningDialog();
+YrDialogManager* getTheQuestionDialog();
+
+#endif

@@ -1,0 +1,70 @@
+#include "yr/YrFileSelectionDialog.h"
+
+#include <Xm/FileSB.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+
+YrFileSelectionDialog::YrFileSelectionDialog(const char* name) : YrDialogManager(name, Custom) {}
+
+Widget YrFileSelectionDialog::createDialog(Widget parent) {
+  return XmCreateFileSelectionDialog(parent, const_cast<char*>(_name.c_str()), nullptr, 0);
+}
+
+static std::string takeText(char* text) {
+  std::string out = text ? text : "";
+  XtFree(text);
+  return out;
+}
+
+std::string YrFileSelectionDialog::selection() {
+  Widget text = XmFileSelectionBoxGetChild(dialog(), XmDIALOG_TEXT);
+  return takeText(XmIsTextField(text) ? XmTextFieldGetString(text) : XmTextGetString(text));
+}
+
+void YrFileSelectionDialog::setSelection(const std::string& value) {
+  Widget text = XmFileSelectionBoxGetChild(dialog(), XmDIALOG_TEXT);
+  if (XmIsTextField(text))
+    XmTextFieldSetString(text, const_cast<char*>(value.c_str()));
+  else
+    XmTextSetString(text, const_cast<char*>(value.c_str()));
+}
+
+void YrFileSelectionDialog::setDirectory(const std::string& directory) {
+  XmString d = XmStringCreateLocalized(const_cast<char*>(directory.c_str()));
+  XtVaSetValues(dialog(), XmNdirectory, d, nullptr);
+  XmStringFree(d);
+}
+
+YrDialogManager::Answer YrFileSelectionDialog::postAndWait(const char* title, const char* pattern,
+                                                          const char* proposed,
+                                                          std::string* chosen) {
+  Widget d = dialog();
+  XmString xmTitle = XmStringCreateLocalized(const_cast<char*>(title ? title : ""));
+  XmString xmPattern = XmStringCreateLocalized(const_cast<char*>(pattern ? pattern : "*"));
+  XtVaSetValues(d, XmNdialogTitle, xmTitle, XmNpattern, xmPattern, nullptr);
+  XmStringFree(xmTitle);
+  XmStringFree(xmPattern);
+  XmFileSelectionDoSearch(d, nullptr);
+  if (proposed && *proposed) {
+    std::string text = proposed;
+    if (text[0] != '/') {
+      XmString dir = nullptr;
+      XtVaGetValues(d, XmNdirectory, &dir, nullptr);
+      char* dirText = static_cast<char*>(
+          XmStringUnparse(dir, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+      std::string prefix = takeText(dirText);
+      XmStringFree(dir);
+      if (!prefix.empty() && prefix.back() != '/') prefix += '/';
+      text = prefix + text;
+    }
+    setSelection(text);
+  }
+  Answer a = YrDialogManager::postAndWait(nullptr);
+  if (a == Ok && chosen) *chosen = selection();
+  return a;
+}
+
+YrFileSelectionDialog* getTheFileSelectionDialog() {
+  static YrFileSelectionDialog* d = new YrFileSelectionDialog("fileSelectionDialog");
+  return d;
+}

@@ -1,0 +1,24 @@
+// YrGenericDialog: a dialog with OK and Cancel buttons and contents of the
+// subclass's making.  Subclasses override createDialog() (call this one
+// first, then add one child, the work area, to the returned box) and ok();
+// the dialog stays up until ok() or cancel() takes it down.
+#ifndef TAMBLIN_YR_YRGENERICDIALOG_H
+#define TAMBLIN_YR_YRGENERICDIALOG_H
+
+#include "yr/YrDialogManager.h"
+
+class YrGenericDialog : public YrDialogManager {
+ public:
+  explicit YrGenericDialog(const char* name, const char* title = nullptr);
+  const char* className() const override { return "YrGenericDialog"; }
+
+ protected:
+  Widget createDialog(Widget parent) override;
+  /// Default: takes the dialog down.
+  void ok(Widget w, XtPointer callData) override;
+  void cancel(Widget w, XtPointer callData) override;
+
+  std::string _title;
+};
+
+#endif

@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "util/TempDir.h"
+#include "util/UiTestApp.h"
+#include "yr/YrFormat.h"
+#include "yr/YrProgram.h"
+
+namespace {
+
+struct Collected {
+  std::vector<std::string> out, err;
+  int status = -1000;
+  bool exited = false;
+};
+
+void onOut(YrProgram*, void* c, const char* line) { static_cast<Collected*>(c)->out.push_back(line); }
+void onErr(YrProgram*, void* c, const char* line) { static_cast<Collected*>(c)->err.push_back(line); }
+void onExit(YrProgram*, void* c, int status) {
+  auto* collected = static_cast<Collected*>(c);
+  collected->status = status;
+  collected->exited = true;
+}
+
+void expire(XtPointer flag, XtIntervalId*) { *static_cast<bool*>(flag) = true; }
+
+// Runs the event loop until the program has exited or 10 s have passed.
+bool waitForExit(const Collected& c) {
+  XtAppContext context = UiTestApp::context();
+  bool expired = false;
+  XtIntervalId timer = XtAppAddTimeOut(context, 10000, expire, &expired);
+  while (!c.exited && !expired) XtAppProcessEvent(context, XtIMAll);
+  if (!expired) XtRemoveTimeOut(timer);
+  return c.exited;
+}
+
+Collected run(YrProgram& program, const std::string& command) {
+  Collected c;
+  program.setOutputCallback(onOut, &c);
+  program.setErrorCallback(onErr, &c);
+  program.setExitCallback(onExit, &c);
+  std::string error;
+  EXPECT_TRUE(program.start(command, &error)) << error;
+  EXPECT_TRUE(waitForExit(c)) << command;
+  EXPECT_FALSE(program.running());
+  return c;
+}
+
+TEST(YrProgramTest, SplitsCommandLinesAtBlanksOnly) {
+  struct Case {
+    std::string line;
+    std::vector<std::string> words;
+  } cases[] = {
+      {"", {}},
+      {"   ", {}},
+      {"ls", {"ls"}},
+      {"  /usr/sbin/forgeset   -rbase /a  -idb x.idb ", {"/usr/sbin/forgeset", "-rbase", "/a", "-idb", "x.idb"}},
+      // No shell: quotes and glob characters are ordinary characters.
+      {"echo 'a b' *", {"echo", "'a", "b'", "*"}},
+      {"a\tb", {"a", "b"}},
+  };
+  for (const Case& c : cases) EXPECT_EQ(c.words, YrProgram::splitCommandLine(c.line)) << c.line;
+}
+
+TEST(YrProgramTest, DeliversOutputLinesAndExitStatus) {
+  TempDir dir;
+  // A child that cuts its lines across writes and pauses between them, so
+  // that the pieces arrive in separate reads.
+  std::string script = dir.write("pieces.sh",
+                                 "#!/bin/sh\n"
+                                 "printf 'first par'\n"
+                                 "sleep 0.2\n"
+                                 "printf 'tial\\nsecond\\n'\n"
+                                 "printf 'oops' >&2\n"
+                                 "sleep 0.2\n"
+                                 "printf ' again\\n' >&2\n"
+                                 "printf 'last without newline'\n"
+                                 "exit 3\n");
+  chmod(script.c_str(), 0755);
+  struct Case {
+    std::string command;
+    std::vector<std::string> out, err;
+    int status;
+  } cases[] = {
+      {"printf one\\ntwo\\nthree", {"one", "two", "three"}, {}, 0},
+      {script, {"first partial", "second", "last without newline"}, {"oops again"}, 3},
+      {"ls -d /nonexistent-dir-of-tamblin", {}, {"ls: cannot access '/nonexistent-dir-of-tamblin': No such file or directory"}, 2},
+      {"true", {}, {}, 0},
+  };
+  for (const Case& c : cases) {
+    YrProgram program(UiTestApp::context());
+    Collected got = run(program, c.command);
+    EXPECT_EQ(c.out, got.out) << c.command;
+    EXPECT_EQ(c.err, got.err) << c.command;
+    EXPECT_EQ(c.status, got.status) << c.command;
+  }
+}
+
+TEST(YrProgramTest, ReportsSignalsAndRefusesWhatCannotRun) {
+  YrProgram program(UiTestApp::context());
+  Collected c;
+  program.setExitCallback(onExit, &c);
+  std::string error;
+  ASSERT_TRUE(program.start("sleep 30", &error));
+  EXPECT_FALSE(program.start("true", &error));
+  EXPECT_EQ("A program is already running.", error);
+  program.kill(SIGTERM);
+  ASSERT_TRUE(waitForExit(c));
+  EXPECT_EQ(128 + SIGTERM, c.status);
+
+  EXPECT_FALSE(program.start("   ", &error));
+  EXPECT_EQ("No program to start.", error);
+  EXPECT_FALSE(program.start("/nonexistent/forgeset -all", &error));
+  EXPECT_EQ("Couldn't start /nonexistent/forgeset (No such file or directory)", error);
+  EXPECT_FALSE(program.running());
+}
+
+TEST(YrFormatTest, FormatsTextsLongerThanAnyFixedBuffer) {
+  std::string longName(10000, 'x');
+  std::string text = YrFormat("Opened idb '%s'.", longName.c_str());
+  EXPECT_EQ("Opened idb '" + longName + "'.", text);
+  EXPECT_EQ("View::setView\tUnrecognized view: 5\n", YrFormat("View::setView\tUnrecognized view: %d\n", 5));
+  EXPECT_EQ("", YrFormat("%s", ""));
+}
+
+}  // namespace
