@@ -11,5 +11,7 @@ struct Subcommand {
 };
 
 int formatCommand(int argc, char** argv);
+int sortCommand(int argc, char** argv);
+int checkCommand(int argc, char** argv);
 
 #endif
