@@ -95,7 +95,8 @@ class Idb {
   /// The record at zero-based i, or null when i < 0 or i >= count().
   const idb* operator[](int i) const;
   const std::vector<idb>& records() const { return _records; }
-  /// The first record whose destination path is dstpath, or null.  Hashed:
+  /// The first record whose destination path is dstpath, or null (also for
+  /// a null dstpath).  Hashed:
   /// a lookup costs O(1) after an O(n) index build, which happens again only
   /// after records are removed or reordered.
   const idb* find(std::string_view dstpath) const;
@@ -111,7 +112,7 @@ class Idb {
   /// Replaces the contents with the records of file; the name becomes file.
   /// "Couldn't open idb '%s' (%s)." leaves everything unchanged;
   /// "Couldn't read idb '%s' (%s on line %d)." keeps the records read
-  /// before the bad line.
+  /// before the bad line; %s is a read() message.
   std::optional<std::string> open(const std::string& file);
   /// Adds the records of file behind the present ones; the name stays.
   /// "Couldn't open idb '%s'.\n" (sic, newline included) when the file
@@ -130,8 +131,9 @@ class Idb {
   // ---- Lines and records
   /// Parses one line (a trailing newline is allowed) into a new record.
   /// Comments and empty lines add nothing.  The message names the missing
-  /// field ("Expected owner in field 3"); a record whose line fails is not
-  /// added.
+  /// field ("Expected owner in field 3"), or is "Unexpected NUL byte" or
+  /// "Unexpected newline" (a line holds no other newline); a record whose
+  /// line fails is not added.
   std::optional<std::string> read(std::string_view line);
   /// Record i formatted as one line without newline, into buf; buf is left
   /// alone when i is out of range.
