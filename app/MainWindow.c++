@@ -2,13 +2,22 @@
 
 #include <Xm/ToggleB.h>
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "app/IdbDocument.h"
+#include "app/PatchDialog.h"
 #include "app/SpecDocument.h"
 #include "app/View.h"
+#include "build/Generate.h"
+#include "util/EditService.h"
+#include "util/Utils.h"
 #include "yr/YrApp.h"
+#include "yr/YrDialogManager.h"
+#include "yr/YrFormat.h"
 #include "yr/YrMenu.h"
 
 const char* const MainWindow::kStartHint =
@@ -84,10 +93,54 @@ MainWindow::~MainWindow() {
 // ---------------------------------------------------------------------------
 
 void MainWindow::registerMessageActions() {
-  // The edit-installation request ("Orvex_Packager_Edit_Installation": a
-  // directory, a spec file, an idb file and a distribution directory) is
-  // registered here once the message service is connected to the event
-  // loop.  Nothing is offered until then.
+  _msgClient = std::make_unique<YrMsgClient>(YrApp::theApp()->appContext(),
+                                             kEditServiceBusName, kEditServiceObjectPath,
+                                             kEditServiceInterface);
+  _msgClient->registerAction(kEditInstallationRequest, &MainWindow::messageHandler, this);
+}
+
+int MainWindow::messageHandler(void* clientData, YrMsgClient::Reason reason,
+                               YrMsgClient::Message* message, const char* messageName,
+                               int argCount, const YrMsgClient::Arg* args) {
+  bool accepted = reason == YrMsgClient::Request && argCount == 4;
+  for (int i = 0; accepted && i < 4; ++i) accepted = args[i].type == "string";
+  accepted = accepted && messageName && !std::strcmp(messageName, kEditInstallationRequest);
+  if (!accepted) {
+    std::string text = YrFormat("Unexpected or invalid message format for %s\n",
+                                messageName ? messageName : "");
+    getTheErrorDialog()->post(text.c_str());
+    return 0;
+  }
+  static_cast<MainWindow*>(clientData)->editInstallation(message, args);
+  return 1;
+}
+
+void MainWindow::editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args) {
+  int status = 0;
+  if (const char* dir = args[0].value) {
+    status = chdir(dir);
+    if (std::getenv("PWD")) {
+      // putenv keeps the buffer: it belongs to the environment from now on.
+      std::string entry = std::string("PWD=") + dir;
+      putenv(strdup(entry.c_str()));
+    }
+    if (status == 0) _view->setBrowsingDirectory(dir);
+  }
+  if (const char* spec = args[1].value) {
+    std::string name = trimCurrent(spec);
+    if (this->spec()->open(name.c_str()))
+      _view->logMessage(YrFormat("Opened spec '%s'.", name.c_str()).c_str());
+    else
+      status = -1;
+  }
+  if (const char* idb = args[2].value) {
+    std::string name = trimCurrent(idb);
+    if (!this->idb()->open(name.c_str())) status = -1;
+  }
+  if (const char* dist = args[3].value) {
+    if (_view->buildPanel()) _view->buildPanel()->setDistDir(trimCurrent(dist));
+  }
+  message->reply(status);
 }
 
 // ---------------------------------------------------------------------------
@@ -266,10 +319,21 @@ void MainWindow::saveAsIdbCallback(Widget, XtPointer clientData, XtPointer) {
 void MainWindow::createPatchCallback(Widget, XtPointer clientData, XtPointer) {
   MainWindow* w = self(clientData);
   // The spec is asked first here, unlike Quit.
-  if (w->spec()->abandonChanges() && w->idb()->abandonChanges()) {
-    w->_view->logMessage("Create Patch is not available in this version.");
-    w->_view->showMessages();
+  if (w->spec()->abandonChanges() && w->idb()->abandonChanges()) w->postPatchDialog();
+}
+
+void MainWindow::postPatchDialog() {
+  FileListModel* fileList = _view->fileList();
+  if (!fileList) {
+    _view->logMessage("Create Patch is not available in this version.");
+    _view->showMessages();
+    return;
   }
+  // A new dialog each time: it lists the idb as it is now.
+  _patchDialog.reset();
+  _patchDialog = std::make_unique<PatchDialog>("patchdialog", *fileList, spec()->getProductName(),
+                                               _view->reporter());
+  _patchDialog->post();
 }
 
 void MainWindow::quitCallback(Widget, XtPointer clientData, XtPointer) { self(clientData)->quit(); }

@@ -7,8 +7,10 @@
 
 #include <memory>
 
+#include "yr/YrMsgClient.h"
 #include "yr/YrMsgWindow.h"
 
+class PatchDialog;
 class View;
 class YrMenu;
 class YrMenuItem;
@@ -24,6 +26,17 @@ class MainWindow : public YrMsgWindow {
   /// A menu entry by its labels, "File/Open/Both" or "View/Show Messages";
   /// null when there is none.
   YrMenuItem* menuItem(const char* path) const;
+
+  /// The desktop message service (never null; unconnected without a
+  /// session bus or when another instance owns the name).
+  YrMsgClient* msgClient() const { return _msgClient.get(); }
+  /// The Create Patch dialog last made (null before the first use).
+  PatchDialog* patchDialog() const { return _patchDialog.get(); }
+  /// The edit-installation request: enter a directory, open a spec and an
+  /// idb, set the distribution directory; replies the status.
+  static int messageHandler(void* clientData, YrMsgClient::Reason reason,
+                            YrMsgClient::Message* message, const char* messageName, int argCount,
+                            const YrMsgClient::Arg* args);
 
   /// The start hint, logged when the window is set up.
   static const char* const kStartHint;
@@ -59,7 +72,12 @@ class MainWindow : public YrMsgWindow {
   class IdbDocument* idb() const;
   void quit();
 
+  void postPatchDialog();
+  void editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args);
+
   std::unique_ptr<View> _view;
+  std::unique_ptr<YrMsgClient> _msgClient;
+  std::unique_ptr<class PatchDialog> _patchDialog;
   YrMenu* _fileMenu = nullptr;
   YrMenu* _openMenu = nullptr;
   YrMenu* _appendMenu = nullptr;

@@ -21,6 +21,7 @@
 #include "app/ui/SpecDetailUI.h"
 #include "app/ui/SpecGraphUI.h"
 #include "app/ViewReporter.h"
+#include "build/Generate.h"
 #include "ov/OvGrid.h"
 #include "yr/YrMenuItem.h"
 #include "yr/YrMenuToggle.h"
@@ -150,7 +151,7 @@ void View::createPanels() {
       {[this] { return new FileListAddUI("FileListAdd", _addBody); }, true},
       {[this] { return new FileListPermsUI("FileListPerms", _permsBody); }, true},
       {[this] { return new FileListAttrsUI("FileListAttrs", _attrsBody); }, true},
-      {[this] { return new GenerateUI("Generate", _generateBody); }, true},
+      {[this] { return _buildPanel = new Generate("Generate", _generateBody, *_reporter); }, true},
   };
   for (const Place& place : places) {
     YrComponent* panel = place.make();

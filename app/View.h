@@ -18,6 +18,8 @@
 #include "app/ui/ViewUI.h"
 #include "util/Reporter.h"
 
+class FileListModel;
+class Generate;
 class IdbDocument;
 class SpecDocument;
 class YrMenuItem;
@@ -72,6 +74,18 @@ class View : public ViewUI {
   /// How the core reports to the user: this log and the shared dialogs.
   Reporter& reporter() { return *_reporter; }
 
+  /// The idb's model behind the file list panel (null until that panel is
+  /// there); not owned.
+  FileListModel* fileList() const { return _fileList; }
+  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+
+  /// Where the Add Files panel browses (the directory given last).
+  void setBrowsingDirectory(const std::string& dir) { _browsingDirectory = dir; }
+  const std::string& browsingDirectory() const { return _browsingDirectory; }
+
+  /// The "Build Product" panel.
+  Generate* buildPanel() const { return _buildPanel; }
+
   YrTabPanel* tabPanel() const { return _tabPanel.get(); }
   bool usesTextLabels() const { return _useTextLabels; }
   /// The body raised for view (left side), for tests and tools.
@@ -105,6 +119,9 @@ class View : public ViewUI {
   std::unique_ptr<Reporter> _reporter;
   // Panels shown in the work area, in creation order.
   std::vector<std::unique_ptr<class YrComponent>> _panels;
+  Generate* _buildPanel = nullptr;
+  FileListModel* _fileList = nullptr;
+  std::string _browsingDirectory;
 };
 
 #endif
