@@ -1,7 +1,9 @@
 #include "app/MainWindow.h"
 
+#include <Xm/RowColumn.h>
 #include <Xm/ToggleB.h>
 
+#include <X11/cursorfont.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -13,6 +15,7 @@
 #include "app/SpecDocument.h"
 #include "app/View.h"
 #include "build/Generate.h"
+#include "help/HelpClient.h"
 #include "util/EditService.h"
 #include "util/Utils.h"
 #include "yr/YrApp.h"
@@ -148,6 +151,7 @@ void MainWindow::editInstallation(YrMsgClient::Message* message, const YrMsgClie
 // ---------------------------------------------------------------------------
 
 Widget MainWindow::setUpInterface(Widget parent) {
+  OrvexHelpInit(XtDisplay(parent), _name.c_str(), YrApp::theApp()->applicationClass());
   _view = std::make_unique<View>("view", parent);
   _noSpec = std::make_unique<MissingSpec>(*_view);
   _noIdb = std::make_unique<MissingIdb>(*_view);
@@ -193,13 +197,14 @@ void MainWindow::buildMenus() {
       {"File", nullptr, "Quit", Item, &MainWindow::quitCallback},
       {"View", nullptr, "Show Messages", Toggle, &MainWindow::showMessagesCallback},
       {"View", nullptr, "Show Orvex Board Names", Toggle, &MainWindow::showInternalNamesCallback},
+      {"Help", nullptr, "On Context", Item, &MainWindow::contextHelpCallback},
+      {"Help", nullptr, "Index", Item, &MainWindow::helpIndexCallback},
   };
   for (const Row& row : rows) {
-    YrMenu* pane = !std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu;
-    if (!pane) {
-      pane = addMenuPane(row.pane, -1);
-      (!std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu) = pane;
-    }
+    YrMenu*& pane = !std::strcmp(row.pane, "File")   ? _fileMenu
+                    : !std::strcmp(row.pane, "View") ? _viewMenu
+                                                     : _helpMenu;
+    if (!pane) pane = addMenuPane(row.pane, -1);
     YrMenu* target = pane;
     if (row.submenu) {
       target = dynamic_cast<YrMenu*>(pane->find(row.submenu));
@@ -226,12 +231,14 @@ void MainWindow::buildMenus() {
   _createPatchItem->deactivate();
   _showMessagesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Messages"));
   _showInternalNamesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Orvex Board Names"));
+  // Where desktop users look for it: at the right end of the menu bar.
+  XtVaSetValues(menuBar(), XmNmenuHelpWidget, _helpMenu->cascade(), nullptr);
 }
 
 YrMenuItem* MainWindow::menuItem(const char* path) const {
   std::string rest = path;
   YrMenu* menu = nullptr;
-  for (YrMenu* pane : {_fileMenu, _viewMenu}) {
+  for (YrMenu* pane : {_fileMenu, _viewMenu, _helpMenu}) {
     std::string prefix = std::string(pane->label()) + "/";
     if (rest.compare(0, prefix.size(), prefix) == 0) {
       menu = pane;
@@ -356,4 +363,33 @@ void MainWindow::showInternalNamesCallback(Widget, XtPointer clientData, XtPoint
     self(clientData)->_view->showInternalNames();
   else
     self(clientData)->_view->hideInternalNames();
+}
+
+// ---------------------------------------------------------------------------
+// Help
+// ---------------------------------------------------------------------------
+
+const char* const MainWindow::kHelpBook = "Tamblin";
+
+std::string MainWindow::helpKey(Widget w) {
+  // The widget's path below the window: the names are fixed, so help
+  // authors can rely on them ("view.generateBody.Generate.buttonGrid.allPushButton").
+  std::string key;
+  for (; w && !XtIsShell(w); w = XtParent(w)) {
+    std::string name = XtName(w);
+    key = key.empty() ? name : name + "." + key;
+  }
+  return key;
+}
+
+void MainWindow::contextHelpCallback(Widget, XtPointer clientData, XtPointer) {
+  MainWindow* window = self(clientData);
+  Cursor cursor = XCreateFontCursor(XtDisplay(window->shell()), XC_question_arrow);
+  Widget chosen = XmTrackingLocate(window->shell(), cursor, False);
+  XFreeCursor(XtDisplay(window->shell()), cursor);
+  if (chosen) OrvexHelpMsg(helpKey(chosen).c_str(), kHelpBook, "");
+}
+
+void MainWindow::helpIndexCallback(Widget, XtPointer, XtPointer) {
+  OrvexHelpIndexMsg("", kHelpBook);
 }

@@ -6,6 +6,7 @@
 #define TAMBLIN_APP_MAINWINDOW_H
 
 #include <memory>
+#include <string>
 
 #include "yr/YrMsgClient.h"
 #include "yr/YrMsgWindow.h"
@@ -38,6 +39,11 @@ class MainWindow : public YrMsgWindow {
                             YrMsgClient::Message* message, const char* messageName, int argCount,
                             const YrMsgClient::Arg* args);
 
+  /// The help book of the program, and the topic key of a widget for
+  /// context help: its names from below the window down to it, joined by ".".
+  static const char* const kHelpBook;
+  static std::string helpKey(Widget w);
+
   /// The start hint, logged when the window is set up.
   static const char* const kStartHint;
 
@@ -67,6 +73,8 @@ class MainWindow : public YrMsgWindow {
   static void quitCallback(Widget, XtPointer, XtPointer);
   static void showMessagesCallback(Widget, XtPointer, XtPointer);
   static void showInternalNamesCallback(Widget, XtPointer, XtPointer);
+  static void contextHelpCallback(Widget, XtPointer, XtPointer);
+  static void helpIndexCallback(Widget, XtPointer, XtPointer);
 
   class SpecDocument* spec() const;
   class IdbDocument* idb() const;
@@ -85,6 +93,7 @@ class MainWindow : public YrMsgWindow {
   YrMenu* _saveMenu = nullptr;
   YrMenu* _saveAsMenu = nullptr;
   YrMenu* _viewMenu = nullptr;
+  YrMenu* _helpMenu = nullptr;
   YrMenuToggle* _showMessagesToggle = nullptr;
   YrMenuToggle* _showInternalNamesToggle = nullptr;
   YrMenuItem* _createPatchItem = nullptr;
