@@ -1,14 +1,26 @@
 #include "app/MainWindow.h"
 
+#include <Xm/RowColumn.h>
 #include <Xm/ToggleB.h>
 
+#include <X11/cursorfont.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "app/IdbDocument.h"
+#include "app/PatchDialog.h"
 #include "app/SpecDocument.h"
 #include "app/View.h"
+#include "build/Generate.h"
+#include "help/HelpClient.h"
+#include "util/EditService.h"
+#include "util/Utils.h"
 #include "yr/YrApp.h"
+#include "yr/YrDialogManager.h"
+#include "yr/YrFormat.h"
 #include "yr/YrMenu.h"
 
 const char* const MainWindow::kStartHint =
@@ -84,10 +96,54 @@ MainWindow::~MainWindow() {
 // ---------------------------------------------------------------------------
 
 void MainWindow::registerMessageActions() {
-  // The edit-installation request ("Orvex_Packager_Edit_Installation": a
-  // directory, a spec file, an idb file and a distribution directory) is
-  // registered here once the message service is connected to the event
-  // loop.  Nothing is offered until then.
+  _msgClient = std::make_unique<YrMsgClient>(YrApp::theApp()->appContext(),
+                                             kEditServiceBusName, kEditServiceObjectPath,
+                                             kEditServiceInterface);
+  _msgClient->registerAction(kEditInstallationRequest, &MainWindow::messageHandler, this);
+}
+
+int MainWindow::messageHandler(void* clientData, YrMsgClient::Reason reason,
+                               YrMsgClient::Message* message, const char* messageName,
+                               int argCount, const YrMsgClient::Arg* args) {
+  bool accepted = reason == YrMsgClient::Request && argCount == 4;
+  for (int i = 0; accepted && i < 4; ++i) accepted = args[i].type == "string";
+  accepted = accepted && messageName && !std::strcmp(messageName, kEditInstallationRequest);
+  if (!accepted) {
+    std::string text = YrFormat("Unexpected or invalid message format for %s\n",
+                                messageName ? messageName : "");
+    getTheErrorDialog()->post(text.c_str());
+    return 0;
+  }
+  static_cast<MainWindow*>(clientData)->editInstallation(message, args);
+  return 1;
+}
+
+void MainWindow::editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args) {
+  int status = 0;
+  if (const char* dir = args[0].value) {
+    status = chdir(dir);
+    if (std::getenv("PWD")) {
+      // putenv keeps the buffer: it belongs to the environment from now on.
+      std::string entry = std::string("PWD=") + dir;
+      putenv(strdup(entry.c_str()));
+    }
+    if (status == 0) _view->setBrowsingDirectory(dir);
+  }
+  if (const char* spec = args[1].value) {
+    std::string name = trimCurrent(spec);
+    if (this->spec()->open(name.c_str()))
+      _view->logMessage(YrFormat("Opened spec '%s'.", name.c_str()).c_str());
+    else
+      status = -1;
+  }
+  if (const char* idb = args[2].value) {
+    std::string name = trimCurrent(idb);
+    if (!this->idb()->open(name.c_str())) status = -1;
+  }
+  if (const char* dist = args[3].value) {
+    if (_view->buildPanel()) _view->buildPanel()->setDistDir(trimCurrent(dist));
+  }
+  message->reply(status);
 }
 
 // ---------------------------------------------------------------------------
@@ -95,6 +151,7 @@ void MainWindow::registerMessageActions() {
 // ---------------------------------------------------------------------------
 
 Widget MainWindow::setUpInterface(Widget parent) {
+  OrvexHelpInit(XtDisplay(parent), _name.c_str(), YrApp::theApp()->applicationClass());
   _view = std::make_unique<View>("view", parent);
   _noSpec = std::make_unique<MissingSpec>(*_view);
   _noIdb = std::make_unique<MissingIdb>(*_view);
@@ -140,13 +197,14 @@ void MainWindow::buildMenus() {
       {"File", nullptr, "Quit", Item, &MainWindow::quitCallback},
       {"View", nullptr, "Show Messages", Toggle, &MainWindow::showMessagesCallback},
       {"View", nullptr, "Show Orvex Board Names", Toggle, &MainWindow::showInternalNamesCallback},
+      {"Help", nullptr, "On Context", Item, &MainWindow::contextHelpCallback},
+      {"Help", nullptr, "Index", Item, &MainWindow::helpIndexCallback},
   };
   for (const Row& row : rows) {
-    YrMenu* pane = !std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu;
-    if (!pane) {
-      pane = addMenuPane(row.pane, -1);
-      (!std::strcmp(row.pane, "File") ? _fileMenu : _viewMenu) = pane;
-    }
+    YrMenu*& pane = !std::strcmp(row.pane, "File")   ? _fileMenu
+                    : !std::strcmp(row.pane, "View") ? _viewMenu
+                                                     : _helpMenu;
+    if (!pane) pane = addMenuPane(row.pane, -1);
     YrMenu* target = pane;
     if (row.submenu) {
       target = dynamic_cast<YrMenu*>(pane->find(row.submenu));
@@ -173,12 +231,14 @@ void MainWindow::buildMenus() {
   _createPatchItem->deactivate();
   _showMessagesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Messages"));
   _showInternalNamesToggle = dynamic_cast<YrMenuToggle*>(_viewMenu->find("Show Orvex Board Names"));
+  // Where desktop users look for it: at the right end of the menu bar.
+  XtVaSetValues(menuBar(), XmNmenuHelpWidget, _helpMenu->cascade(), nullptr);
 }
 
 YrMenuItem* MainWindow::menuItem(const char* path) const {
   std::string rest = path;
   YrMenu* menu = nullptr;
-  for (YrMenu* pane : {_fileMenu, _viewMenu}) {
+  for (YrMenu* pane : {_fileMenu, _viewMenu, _helpMenu}) {
     std::string prefix = std::string(pane->label()) + "/";
     if (rest.compare(0, prefix.size(), prefix) == 0) {
       menu = pane;
@@ -266,10 +326,21 @@ void MainWindow::saveAsIdbCallback(Widget, XtPointer clientData, XtPointer) {
 void MainWindow::createPatchCallback(Widget, XtPointer clientData, XtPointer) {
   MainWindow* w = self(clientData);
   // The spec is asked first here, unlike Quit.
-  if (w->spec()->abandonChanges() && w->idb()->abandonChanges()) {
-    w->_view->logMessage("Create Patch is not available in this version.");
-    w->_view->showMessages();
+  if (w->spec()->abandonChanges() && w->idb()->abandonChanges()) w->postPatchDialog();
+}
+
+void MainWindow::postPatchDialog() {
+  FileListModel* fileList = _view->fileList();
+  if (!fileList) {
+    _view->logMessage("Create Patch is not available in this version.");
+    _view->showMessages();
+    return;
   }
+  // A new dialog each time: it lists the idb as it is now.
+  _patchDialog.reset();
+  _patchDialog = std::make_unique<PatchDialog>("patchdialog", *fileList, spec()->getProductName(),
+                                               _view->reporter());
+  _patchDialog->post();
 }
 
 void MainWindow::quitCallback(Widget, XtPointer clientData, XtPointer) { self(clientData)->quit(); }
@@ -292,4 +363,33 @@ void MainWindow::showInternalNamesCallback(Widget, XtPointer clientData, XtPoint
     self(clientData)->_view->showInternalNames();
   else
     self(clientData)->_view->hideInternalNames();
+}
+
+// ---------------------------------------------------------------------------
+// Help
+// ---------------------------------------------------------------------------
+
+const char* const MainWindow::kHelpBook = "Tamblin";
+
+std::string MainWindow::helpKey(Widget w) {
+  // The widget's path below the window: the names are fixed, so help
+  // authors can rely on them ("view.generateBody.Generate.buttonGrid.allPushButton").
+  std::string key;
+  for (; w && !XtIsShell(w); w = XtParent(w)) {
+    std::string name = XtName(w);
+    key = key.empty() ? name : name + "." + key;
+  }
+  return key;
+}
+
+void MainWindow::contextHelpCallback(Widget, XtPointer clientData, XtPointer) {
+  MainWindow* window = self(clientData);
+  Cursor cursor = XCreateFontCursor(XtDisplay(window->shell()), XC_question_arrow);
+  Widget chosen = XmTrackingLocate(window->shell(), cursor, False);
+  XFreeCursor(XtDisplay(window->shell()), cursor);
+  if (chosen) OrvexHelpMsg(helpKey(chosen).c_str(), kHelpBook, "");
+}
+
+void MainWindow::helpIndexCallback(Widget, XtPointer, XtPointer) {
+  OrvexHelpIndexMsg("", kHelpBook);
 }

@@ -6,9 +6,12 @@
 #define TAMBLIN_APP_MAINWINDOW_H
 
 #include <memory>
+#include <string>
 
+#include "yr/YrMsgClient.h"
 #include "yr/YrMsgWindow.h"
 
+class PatchDialog;
 class View;
 class YrMenu;
 class YrMenuItem;
@@ -24,6 +27,22 @@ class MainWindow : public YrMsgWindow {
   /// A menu entry by its labels, "File/Open/Both" or "View/Show Messages";
   /// null when there is none.
   YrMenuItem* menuItem(const char* path) const;
+
+  /// The desktop message service (never null; unconnected without a
+  /// session bus or when another instance owns the name).
+  YrMsgClient* msgClient() const { return _msgClient.get(); }
+  /// The Create Patch dialog last made (null before the first use).
+  PatchDialog* patchDialog() const { return _patchDialog.get(); }
+  /// The edit-installation request: enter a directory, open a spec and an
+  /// idb, set the distribution directory; replies the status.
+  static int messageHandler(void* clientData, YrMsgClient::Reason reason,
+                            YrMsgClient::Message* message, const char* messageName, int argCount,
+                            const YrMsgClient::Arg* args);
+
+  /// The help book of the program, and the topic key of a widget for
+  /// context help: its names from below the window down to it, joined by ".".
+  static const char* const kHelpBook;
+  static std::string helpKey(Widget w);
 
   /// The start hint, logged when the window is set up.
   static const char* const kStartHint;
@@ -54,12 +73,19 @@ class MainWindow : public YrMsgWindow {
   static void quitCallback(Widget, XtPointer, XtPointer);
   static void showMessagesCallback(Widget, XtPointer, XtPointer);
   static void showInternalNamesCallback(Widget, XtPointer, XtPointer);
+  static void contextHelpCallback(Widget, XtPointer, XtPointer);
+  static void helpIndexCallback(Widget, XtPointer, XtPointer);
 
   class SpecDocument* spec() const;
   class IdbDocument* idb() const;
   void quit();
 
+  void postPatchDialog();
+  void editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args);
+
   std::unique_ptr<View> _view;
+  std::unique_ptr<YrMsgClient> _msgClient;
+  std::unique_ptr<class PatchDialog> _patchDialog;
   YrMenu* _fileMenu = nullptr;
   YrMenu* _openMenu = nullptr;
   YrMenu* _appendMenu = nullptr;
@@ -67,6 +93,7 @@ class MainWindow : public YrMsgWindow {
   YrMenu* _saveMenu = nullptr;
   YrMenu* _saveAsMenu = nullptr;
   YrMenu* _viewMenu = nullptr;
+  YrMenu* _helpMenu = nullptr;
   YrMenuToggle* _showMessagesToggle = nullptr;
   YrMenuToggle* _showInternalNamesToggle = nullptr;
   YrMenuItem* _createPatchItem = nullptr;

@@ -20,6 +20,7 @@
 #include "filelist/FileListAttrs.h"
 #include "filelist/FileListModel.h"
 #include "filelist/FileListPerms.h"
+#include "build/Generate.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecDetail.h"
 #include "spec/SpecGraph.h"
@@ -152,7 +153,7 @@ void View::createPanels() {
       {[this] { return _addPanel = new FileListAdd("FileListAdd", _addBody); }, true},
       {[this] { return _permsPanel = new FileListPerms("FileListPerms", _permsBody); }, true},
       {[this] { return _attrsPanel = new FileListAttrs("FileListAttrs", _attrsBody); }, true},
-      {[this] { return new GenerateUI("Generate", _generateBody); }, true},
+      {[this] { return _buildPanel = new Generate("Generate", _generateBody, *_reporter); }, true},
   };
   for (const Place& place : places) {
     YrComponent* panel = place.make();

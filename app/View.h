@@ -23,6 +23,7 @@ class FileListAdd;
 class FileListAttrs;
 class FileListModel;
 class FileListPerms;
+class Generate;
 class IdbDocument;
 class SpecDetail;
 class SpecGraph;
@@ -90,6 +91,17 @@ class View : public ViewUI {
   SpecGraph* specGraph() const { return _specGraph; }
   SpecDetail* specDetail() const { return _specDetail; }
   FileListTags* tagsPanel() const { return _tagsPanel; }
+  /// The idb's model behind the file list panel (null until that panel is
+  /// there); not owned.
+  FileListModel* fileList() const { return _fileList; }
+  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+
+  /// Where the Add Files panel browses (the directory given last).
+  void setBrowsingDirectory(const std::string& dir) { _browsingDirectory = dir; }
+  const std::string& browsingDirectory() const { return _browsingDirectory; }
+
+  /// The "Build Product" panel.
+  Generate* buildPanel() const { return _buildPanel; }
 
   YrTabPanel* tabPanel() const { return _tabPanel.get(); }
   bool usesTextLabels() const { return _useTextLabels; }
@@ -130,6 +142,9 @@ class View : public ViewUI {
   SpecGraph* _specGraph = nullptr;
   SpecDetail* _specDetail = nullptr;
   FileListTags* _tagsPanel = nullptr;
+  Generate* _buildPanel = nullptr;
+  FileListModel* _fileList = nullptr;
+  std::string _browsingDirectory;
 };
 
 #endif

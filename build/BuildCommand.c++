@@ -6,7 +6,7 @@ const char* const kBuildProgram = "/usr/sbin/forgeset";
 const char* const kBuildAll = "-all";
 const char* const kBuildDryrun = "-dryrun";
 
-BuildCommand::BuildCommand(const BuildOptions& options) : _argv{kBuildProgram} {
+BuildCommand::BuildCommand(const BuildOptions& options) : _argv{options.program} {
   const std::pair<const char*, const std::string*> valued[] = {
       {"-rbase", &options.destRoot}, {"-sbase", &options.sourceRoot}, {"-idb", &options.idbName},
       {"-spec", &options.specName},  {"-dist", &options.distDir},

@@ -19,6 +19,7 @@ extern const char* const kBuildAll;
 extern const char* const kBuildDryrun;
 
 struct BuildOptions {
+  std::string program = kBuildProgram;  // a site may install it elsewhere
   std::string destRoot;    // "-rbase"
   std::string sourceRoot;  // "-sbase"
   std::string idbName;     // "-idb"

@@ -59,4 +59,14 @@ TEST(BuildCommandTest, ValuesAreNeitherSplitNorQuoted) {
   EXPECT_EQ("/usr/sbin/forgeset -sbase /my src -spec it's \"x\".spec -all", command.text());
 }
 
+TEST(BuildCommandTest, AnotherProgramKeepsTheArguments) {
+  BuildOptions o;
+  o.program = "/opt/site/bin/forgeset";
+  o.distDir = "/d";
+  o.verbose = true;
+  o.action = kBuildDryrun;
+  EXPECT_EQ((std::vector<std::string>{"/opt/site/bin/forgeset", "-dist", "/d", "-verbose", "-dryrun"}),
+            BuildCommand(o).argv());
+}
+
 }  // namespace

@@ -13,5 +13,6 @@ struct Subcommand {
 int formatCommand(int argc, char** argv);
 int sortCommand(int argc, char** argv);
 int checkCommand(int argc, char** argv);
+int editCommand(int argc, char** argv);
 
 #endif

@@ -13,6 +13,9 @@ const Subcommand kSubcommands[] = {
     {"check", "IDB [--sbase DIR] [--spec SPEC]",
      "reports sources missing under the source root, tags no subsystem maps and empty subsystems",
      checkCommand},
+    {"edit", "DIR SPEC IDB DIST",
+     "asks the running program to enter DIR and open SPEC, IDB and DIST (\"\" leaves one as it is)",
+     editCommand},
     {nullptr, nullptr, nullptr, nullptr},
 };
 

@@ -58,12 +58,15 @@ std::vector<std::string> YrProgram::splitCommandLine(const std::string& commandL
 }
 
 bool YrProgram::start(const std::string& commandLine, std::string* error) {
+  return start(splitCommandLine(commandLine), error);
+}
+
+bool YrProgram::start(std::vector<std::string> words, std::string* error) {
   auto fail = [error](const std::string& text) {
     if (error) *error = text;
     return false;
   };
   if (_pid > 0) return fail("A program is already running.");
-  std::vector<std::string> words = splitCommandLine(commandLine);
   if (words.empty()) return fail("No program to start.");
   std::vector<char*> argv;
   for (std::string& w : words) argv.push_back(&w[0]);

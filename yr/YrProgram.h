@@ -37,6 +37,8 @@ class YrProgram {
   /// afterwards: an empty command, a program that cannot be executed, or a
   /// child already running.
   bool start(const std::string& commandLine, std::string* error);
+  /// The same with the words given one by one (a word may hold blanks).
+  bool start(std::vector<std::string> words, std::string* error);
   bool running() const { return _pid > 0; }
   pid_t pid() const { return _pid; }
   /// Sends a signal to the running child.

@@ -1,0 +1,114 @@
+// The File menu's Create Patch entry and the Help menu, on the real window.
+#include <gtest/gtest.h>
+
+#include <Xm/List.h>
+#include <Xm/RowColumn.h>
+
+#include <memory>
+#include <string>
+
+#include "app/MainWindow.h"
+#include "app/MyApp.h"
+#include "app/PatchDialog.h"
+#include "app/View.h"
+#include "build/Generate.h"
+#include "filelist/FileListModel.h"
+#include "help/HelpClient.h"
+#include "util/RecordingReporter.h"
+#include "util/TempDir.h"
+#include "util/UiTestApp.h"
+#include "yr/YrDialogManager.h"
+#include "yr/YrMenuItem.h"
+
+namespace {
+
+class MainWindowMenusTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    int argc = 1;
+    char name[] = "tamblin";
+    char* argv[] = {name, nullptr};
+    app = std::make_unique<MyApp>("Tamblin", UiTestApp::context(), UiTestApp::display(), &argc,
+                                  argv, "ORVEX_TAMBLIN");
+    window = std::make_unique<MainWindow>("tamblin");
+    window->initialize();
+    window->show();
+    UiTestApp::flush();
+  }
+  void TearDown() override {
+    window.reset();
+    app.reset();
+    if (server) XDestroyWindow(UiTestApp::display(), server);
+    UiTestApp::flush();
+  }
+  void choose(const char* path) {
+    YrMenuItem* item = window->menuItem(path);
+    ASSERT_NE(nullptr, item) << path;
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(item->baseWidget(), XmNactivateCallback, &cbs);
+  }
+
+  std::unique_ptr<MyApp> app;
+  std::unique_ptr<MainWindow> window;
+  Window server = 0;
+};
+
+TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdb) {
+  // Without a file list there is nothing to patch.
+  choose("File/Create Patch...");
+  EXPECT_EQ(nullptr, window->patchDialog());
+  EXPECT_NE(std::string::npos, window->view()->messages().find("Create Patch is not available"));
+
+  TempDir dir;
+  RecordingReporter reporter;
+  FileListModel fileList(reporter);
+  ASSERT_TRUE(fileList.open(dir.write("p.idb", "f 0644 root sys a a p.sw.base\nf 0644 root sys b b p.sw.base\n")));
+  window->view()->setFileList(&fileList);
+  choose("File/Create Patch...");
+  PatchDialog* first = window->patchDialog();
+  ASSERT_NE(nullptr, first);
+  EXPECT_TRUE(first->isPosted());
+  int count = 0;
+  XtVaGetValues(first->list(), XmNitemCount, &count, nullptr);
+  EXPECT_EQ(2, count);
+  first->unpost();
+  choose("File/Create Patch...");
+  EXPECT_TRUE(window->patchDialog()->isPosted());
+  window->patchDialog()->unpost();
+  window->view()->setFileList(nullptr);
+}
+
+TEST_F(MainWindowMenusTest, HelpMenuAtTheRightSendsIndexAndContextRequests) {
+  Widget helpCascade = nullptr;
+  XtVaGetValues(window->menuBar(), XmNmenuHelpWidget, &helpCascade, nullptr);
+  ASSERT_NE(nullptr, helpCascade);
+  ASSERT_NE(nullptr, window->menuItem("Help/On Context"));
+
+  Display* display = UiTestApp::display();
+  server = XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
+  XSetSelectionOwner(display, XInternAtom(display, "ORVEX_HELP_SERVER", False), server, CurrentTime);
+  choose("Help/Index");
+  Atom property = XInternAtom(display, "ORVEX_HELP_REQUEST", False);
+  Atom type = 0;
+  int format = 0;
+  unsigned long items = 0, after = 0;
+  unsigned char* data = nullptr;
+  ASSERT_EQ(Success, XGetWindowProperty(display, server, property, 0, 4096, True, AnyPropertyType,
+                                        &type, &format, &items, &after, &data));
+  ASSERT_NE(nullptr, data);
+  std::string request(reinterpret_cast<char*>(data));
+  XFree(data);
+  EXPECT_EQ("client=\"tamblin\" command=\"list\" separator=\";\" book=\"Tamblin\" title=\"tamblin\"",
+            request);
+
+  // Context help names the widget by its path under the window.
+  Widget all = XtNameToWidget(window->view()->buildPanel()->baseWidget(), "*allPushButton");
+  std::string key = MainWindow::helpKey(all);
+  const std::string tail = "leftForm.generateBody.Generate.buttonGrid.allPushButton";
+  ASSERT_GE(key.size(), tail.size());
+  EXPECT_EQ(tail, key.substr(key.size() - tail.size()));
+  EXPECT_EQ(std::string::npos, key.find("tamblin"));
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+// PatchDialog: File > "Create Patch...".  Lists every entry of the idb,
+// proposes a free name for the patch product ("<product>_patch<n>", the
+// first n for which no "<product>_patch<n>.spec" exists in the current
+// directory) and hands the chosen files to the file list, which builds the
+// patch product in the spec and keeps only those files, re-tagged.
+//
+// A new dialog is made for each use of the menu entry.  The file list and
+// the reporter must outlive the dialog.
+#ifndef TAMBLIN_APP_PATCHDIALOG_H
+#define TAMBLIN_APP_PATCHDIALOG_H
+
+#include <string>
+
+#include "yr/YrGenericDialog.h"
+
+class FileListModel;
+class Reporter;
+
+class PatchDialog : public YrGenericDialog {
+ public:
+  PatchDialog(const char* name, FileListModel& fileList, const std::string& productName,
+              Reporter& reporter);
+  const char* className() const override { return "PatchDialog"; }
+
+  /// The proposed patch product name for product, looking in the current
+  /// directory.
+  static std::string proposeName(const std::string& product);
+
+  /// Fallback resource lines (the dialog's texts), null terminated.
+  static const char* const _defaultPatchDialogResources[];
+
+  Widget list() const { return _scrolledList; }
+  Widget nameField() const { return _textfield; }
+
+ protected:
+  Widget createDialog(Widget parent) override;
+  void ok(Widget w, XtPointer callData) override;
+
+ private:
+  void fillList();
+
+  FileListModel& _fileList;
+  std::string _productName;
+  Reporter& _reporter;
+  Widget _form = nullptr;
+  Widget _scrolledWindow = nullptr;
+  Widget _scrolledList = nullptr;
+  Widget _label1 = nullptr;
+  Widget _rowcolumn4 = nullptr;
+  Widget _label2 = nullptr;
+  Widget _label3 = nullptr;
+  Widget _label4 = nullptr;
+  Widget _label5 = nullptr;
+  Widget _rowcolumn1 = nullptr;
+  Widget _rowcolumn = nullptr;
+  Widget _rowcolumn2 = nullptr;
+  Widget _label = nullptr;
+  Widget _textfield = nullptr;
+};
+
+#endif

@@ -1,0 +1,208 @@
+#include "build/Generate.h"
+
+#include <Xm/Label.h>
+#include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "build/BuildCommand.h"
+#include "filelist/FileListModel.h"
+#include "ov/OvGrid.h"
+#include "spec/SpecGraphModel.h"
+#include "util/Reporter.h"
+#include "util/Utils.h"
+#include "yr/YrApp.h"
+#include "yr/YrFormat.h"
+#include "yr/YrProgram.h"
+
+namespace {
+
+struct ProgramResource {
+  String buildProgram;
+};
+
+XtResource kProgramResources[] = {
+    {const_cast<char*>("buildProgram"), const_cast<char*>("BuildProgram"), XtRString,
+     sizeof(String), XtOffsetOf(ProgramResource, buildProgram), XtRString,
+     const_cast<char*>(kBuildProgram)},
+};
+
+}  // namespace
+
+Generate::Generate(const char* name, Widget parent, Reporter& reporter)
+    : GenerateUI(name, parent), _reporter(reporter) {
+  // The build options take any extra height.
+  for (int row : {0, 1, 2, 3, 5}) OvGridSetRowResizable(_baseWidget, row, False);
+}
+
+Generate::~Generate() = default;
+
+std::string Generate::fieldText(Widget field) {
+  char* text = XmTextFieldGetString(field);
+  std::string out = text ? text : "";
+  XtFree(text);
+  return out;
+}
+
+void Generate::setSourceRoot(const std::string& root) {
+  XmTextFieldSetString(_sourceRootTextField, const_cast<char*>(root.c_str()));
+}
+
+void Generate::setDestRoot(const std::string& root) {
+  XmTextFieldSetString(_destRootTextField, const_cast<char*>(root.c_str()));
+}
+
+void Generate::setDistDir(const std::string& text) {
+  XmTextFieldSetString(_distDirTextField, const_cast<char*>(text.c_str()));
+}
+
+std::string Generate::getDistDir() { return normalize(fieldText(_distDirTextField)); }
+
+void Generate::setSpecFileLabel(const std::string& text) {
+  XmString label = XmStringCreateLocalized(const_cast<char*>(text.c_str()));
+  XtVaSetValues(_label, XmNlabelString, label, nullptr);
+  XmStringFree(label);
+}
+
+std::optional<std::string> Generate::getSourceRoot() {
+  if (!_fileList) return std::nullopt;
+  const std::string text = fieldText(_sourceRootTextField);
+  // An empty field leaves the option out of the command.
+  if (text.empty()) return text;
+  std::optional<std::string> root = _fileList->setSourceRoot(text);
+  if (!root) setSourceRoot(_fileList->sourceRoot());
+  return root;
+}
+
+std::optional<std::string> Generate::getDestRoot() {
+  if (!_fileList) return std::nullopt;
+  const std::string text = fieldText(_destRootTextField);
+  if (text.empty()) return text;
+  std::optional<std::string> root = _fileList->setDestRoot(text);
+  if (!root) setDestRoot(_fileList->destRoot() ? *_fileList->destRoot() : std::string());
+  return root;
+}
+
+std::string Generate::buildProgram() const {
+  ProgramResource value{};
+  XtGetApplicationResources(_baseWidget, &value, kProgramResources, XtNumber(kProgramResources),
+                            nullptr, 0);
+  return value.buildProgram && *value.buildProgram ? value.buildProgram : kBuildProgram;
+}
+
+int Generate::runningBuilds() const {
+  return static_cast<int>(std::count_if(_runs.begin(), _runs.end(),
+                                        [](const auto& run) { return run->running(); }));
+}
+
+void Generate::allPushButton(Widget, XtPointer) { run(kBuildAll); }
+
+void Generate::dryrunPushButton(Widget, XtPointer) { run(kBuildDryrun); }
+
+// The build writes a binary idb into the distribution directory: it must
+// not be where the text idb lives.  A missing directory is made.
+bool Generate::checkDistDir(const std::string& dist) {
+  std::string idbName = _fileList ? _fileList->idbFileName() : std::string();
+  if (idbName.empty())
+    idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
+  if (samePath(dist, mypathdirname(normalize(idbName)))) {
+    _reporter.error(YrFormat(
+        "Illegal Distribution Directory.  The build operation creates\n"
+        "a binary version of the idb file in the distribution directory.\n"
+        "Pick another directory to avoid overwriting '%s'.",
+        idbName.c_str()));
+    return false;
+  }
+  struct stat st;
+  if (stat(dist.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+    if (mkdir(dist.c_str(), 0777) != 0) {
+      const char* why = std::strerror(errno);
+      _reporter.error(YrFormat(
+          "Distrubution Directory '%s' does not exist. An attempt to\n"
+          "create yielded '%s'.\n"
+          "Enter the following in a shell window,\n"
+          "and try again:\n"
+          "su\n"
+          "mkdir -p %s\n"
+          "chmod 777 %s",
+          dist.c_str(), why, dist.c_str(), dist.c_str()));
+      return false;
+    }
+  }
+  return true;
+}
+
+// The build reads the files from disk: unnamed or changed ones are saved
+// first (which may ask for a name).
+bool Generate::saveFiles() {
+  if (!_specGraph || !_fileList) return false;
+  if ((_specGraph->specFileName().empty() || _specGraph->changed()) && !_specGraph->save(nullptr))
+    return false;
+  if ((_fileList->idbFileName().empty() || _fileList->modified()) && !_fileList->save(nullptr))
+    return false;
+  return true;
+}
+
+bool Generate::run(const char* action) {
+  forgetFinished();
+  const std::string dist = getDistDir();
+  if (!checkDistDir(dist)) return false;
+  std::optional<std::string> src = getSourceRoot();
+  if (!src) return false;
+  std::optional<std::string> dst = getDestRoot();
+  if (!dst) return false;
+  if (!saveFiles()) return false;
+
+  YrApp* app = YrApp::theApp();
+  if (app) app->busy();
+  BuildOptions options;
+  options.program = buildProgram();
+  options.destRoot = *dst;
+  options.sourceRoot = *src;
+  options.idbName = _fileList->idbFileName();
+  options.specName = _specGraph->specFileName();
+  options.distDir = dist;
+  options.verbose = XmToggleButtonGetState(_verboseToggleButton);
+  options.noCompress = XmToggleButtonGetState(_noCompressToggleButton);
+  options.noStrip = XmToggleButtonGetState(_noStripToggleButton);
+  options.action = action;
+  BuildCommand command(options);
+  _reporter.showMessages();
+  _reporter.logMessage(command.text());
+  bool started = startProgram(command.argv());
+  if (app) app->notBusy();
+  return started;
+}
+
+bool Generate::startProgram(const std::vector<std::string>& argv) {
+  auto program = std::make_unique<YrProgram>(XtWidgetToApplicationContext(_baseWidget));
+  program->setOutputCallback(&Generate::stdoutHandler, this);
+  program->setErrorCallback(&Generate::stdoutHandler, this);
+  program->setExitCallback(&Generate::exitHandler, this);
+  std::string error;
+  if (!program->start(argv, &error)) {
+    _reporter.logMessage(error);
+    return false;
+  }
+  _runs.push_back(std::move(program));
+  return true;
+}
+
+void Generate::forgetFinished() {
+  _runs.erase(std::remove_if(_runs.begin(), _runs.end(),
+                             [](const auto& run) { return !run->running(); }),
+              _runs.end());
+}
+
+void Generate::stdoutHandler(YrProgram*, void* clientData, const char* line) {
+  static_cast<Generate*>(clientData)->_reporter.logMessage(line);
+}
+
+void Generate::exitHandler(YrProgram*, void* clientData, int) {
+  // The status is not examined: the program's own lines say what failed.
+  static_cast<Generate*>(clientData)->_reporter.logMessage("Done.");
+}
