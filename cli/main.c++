@@ -7,6 +7,10 @@
 namespace {
 
 const Subcommand kSubcommands[] = {
+    {"sort", "IDB [-o OUT]", "sorts an idb by destination path (into OUT, or in place)", sortCommand},
+    {"check", "IDB [--sbase DIR] [--spec SPEC]",
+     "reports sources missing under the source root, tags no subsystem maps and empty subsystems",
+     checkCommand},
     {nullptr, nullptr, nullptr, nullptr},
 };
 

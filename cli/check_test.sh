@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Behaviour of `tamblin-cli check`: findings, summary, exit codes and where
+# the source root comes from.  Usage: check_test.sh TAMBLIN_CLI
+set -u
+cli=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+cd "$dir"
+failures=0
+
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+# expect STATUS STDOUT STDERR COMMAND...: compares exit status and both outputs.
+expect() {
+  local status=$1 out=$2 err=$3
+  shift 3
+  "$@" >out.txt 2>err.txt
+  local got=$?
+  [ "$got" = "$status" ] || fail "$*: exit $got, expected $status"
+  [ "$(cat out.txt)" = "$out" ] || fail "$*: stdout '$(cat out.txt)', expected '$out'"
+  [ "$(cat err.txt)" = "$err" ] || fail "$*: stderr '$(cat err.txt)', expected '$err'"
+}
+
+mkdir -p tree/bin tree/lib other
+touch tree/bin/tool tree/lib/x other/y
+printf 'f 0755 root sys usr/bin/tool bin/tool p.sw.base\nf 0644 root sys usr/lib/x lib/x p.sw.lib\n' >clean.idb
+printf 'f 0644 root sys usr/lib/x lib/x p.sw.lib\nf 0644 root sys usr/y y p.sw.lib\n' >missing.idb
+printf 'f 0644 root sys a a t\nf 0644 root sys b b\n' >bad.idb
+root=$(cd tree && pwd -P)
+usage='usage: tamblin-cli check IDB [--sbase DIR] [--spec SPEC]'
+
+unset SBASE
+expect 0 "2 entries, 0 not found under $root" "" "$cli" check clean.idb --sbase tree
+expect 1 "not found: y (installs as usr/y)
+2 entries, 1 not found under $root" "" "$cli" check --sbase tree missing.idb
+SBASE=$dir/other expect 1 "not found: lib/x (installs as usr/lib/x)
+2 entries, 1 not found under $dir/other" "" "$cli" check missing.idb
+# Neither option nor SBASE: the current directory.
+(cd tree && expect 0 "2 entries, 0 not found under $root" "" "$cli" check ../clean.idb
+  exit $((failures > 0))) || failures=$((failures + 1))
+
+expect 2 "" "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" check bad.idb --sbase tree
+expect 2 "" "Couldn't open idb 'none.idb' (No such file or directory)." "$cli" check none.idb --sbase tree
+expect 2 "" "tamblin-cli check: Source Root '$dir/clean.idb' is not a directory." \
+  "$cli" check clean.idb --sbase clean.idb
+for args in "" "--sbase" "clean.idb --sbase" "clean.idb missing.idb" "clean.idb --sbase a --sbase b" \
+    "clean.idb -x"; do
+  # shellcheck disable=SC2086
+  expect 2 "" "$usage" "$cli" check $args
+done
+
+[ "$failures" = 0 ] && echo "check: all passed"
+exit $((failures > 0))

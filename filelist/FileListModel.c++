@@ -1,0 +1,854 @@
+#include "filelist/FileListModel.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cassert>
+#include <cerrno>
+#include <climits>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unordered_map>
+#include <utility>
+
+#include "filelist/AddFilesPartner.h"
+#include "filelist/AttrsPartner.h"
+#include "filelist/BuildPartner.h"
+#include "filelist/BusyIndicator.h"
+#include "filelist/FileListDisplay.h"
+#include "filelist/FileNamePrompt.h"
+#include "filelist/LineMatcher.h"
+#include "filelist/PermsPartner.h"
+#include "filelist/SourceProbe.h"
+#include "filelist/SpecGraphPartner.h"
+#include "filelist/TagsPartner.h"
+#include "idb/Idb.h"
+#include "idb/StringSet.h"
+#include "util/Reporter.h"
+#include "util/Utils.h"
+
+const char* const FileListModel::kSelectAllExpression = ".*";
+const char* const FileListModel::kSelectNoneExpression = "^$";
+
+// Busy from construction to destruction, so that every early return of a
+// long operation clears the busy state again.
+class FileListModel::BusyScope {
+ public:
+  explicit BusyScope(BusyIndicator* busy) : _busy(busy) {
+    if (_busy) _busy->busy();
+  }
+  ~BusyScope() {
+    if (_busy) _busy->notBusy();
+  }
+  BusyScope(const BusyScope&) = delete;
+  BusyScope& operator=(const BusyScope&) = delete;
+
+ private:
+  BusyIndicator* _busy;
+};
+
+namespace {
+
+std::string format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+
+std::string format(const char* fmt, ...) {
+  va_list args;
+  va_start(args, fmt);
+  va_list again;
+  va_copy(again, args);
+  int n = std::vsnprintf(nullptr, 0, fmt, args);
+  va_end(args);
+  std::string out(n > 0 ? static_cast<size_t>(n) : 0, '\0');
+  if (n > 0) std::vsnprintf(&out[0], out.size() + 1, fmt, again);
+  va_end(again);
+  return out;
+}
+
+bool isDirectory(const std::string& path) {
+  struct stat st;
+  return ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+// Something is there (a file of any kind, a dangling link included) but it is
+// not a regular file, so reading or writing it as an idb makes no sense.
+bool existsButNotRegular(const std::string& path) {
+  struct stat st;
+  return ::stat(path.c_str(), &st) == 0 && st.st_mode != 0 && !S_ISREG(st.st_mode);
+}
+
+// "p begins with r": the first r.size() characters are equal, and the
+// character after them, taken from next (which need not be p), ends the
+// string or is a "/".  Out-of-range next counts as a mismatch.
+bool beginsWith(std::string_view p, std::string_view r, std::string_view next) {
+  if (p.compare(0, r.size(), r) != 0) return false;
+  if (r.size() > next.size()) return false;
+  return r.size() == next.size() || next[r.size()] == '/';
+}
+
+// realpath into a buffer, so that on failure the part at which resolution
+// stopped can be shown.  Returns 0 or the system error number.
+int resolve(const std::string& path, std::string* resolved, std::string* stoppedAt) {
+  char buf[PATH_MAX + 1] = {0};
+  if (::realpath(path.c_str(), buf)) {
+    *resolved = buf;
+    return 0;
+  }
+  const int error = errno;
+  if (stoppedAt) *stoppedAt = buf;
+  return error;
+}
+
+}  // namespace
+
+FileListModel::FileListModel(Reporter& reporter)
+    : _reporter(reporter),
+      _idb(std::make_unique<Idb>()),
+      _backup(std::make_unique<Idb>()),
+      _sourceRoot(normalize("")) {
+  _idb->setSourceRoot(_sourceRoot);
+  _backup->setSourceRoot(_sourceRoot);
+}
+
+FileListModel::~FileListModel() = default;
+
+std::string FileListModel::join(const std::string& root, const std::string& relative) const {
+  std::string out = root == "/" ? std::string() : root;
+  out += '/';
+  out += relative;
+  return out;
+}
+
+// ---- roots -------------------------------------------------------------------
+
+std::vector<int> FileListModel::unfoundItems(const std::string& root) const {
+  std::vector<std::string_view> paths;
+  paths.reserve(_idb->count());
+  for (int i = 0; i < _idb->count(); i++) paths.push_back((*_idb)[i]->srcpath());
+  const std::vector<char> found = SourceProbe(root).exists(paths);
+  std::vector<int> missing;
+  for (size_t i = 0; i < found.size(); i++)
+    if (!found[i]) missing.push_back(static_cast<int>(i) + 1);
+  return missing;
+}
+
+int FileListModel::cantPrependRoot(const std::string& root, bool report) {
+  std::vector<int> missing = unfoundItems(root);
+  const int count = static_cast<int>(missing.size());
+  if (report) {
+    std::vector<char> flags(_idb->count(), 0);
+    for (int item : missing) flags[item - 1] = 1;
+    selectOnly(flags);
+    if (count > 0) reportNotFound(count, _idb->count(), root, count == _idb->count());
+  }
+  return count;
+}
+
+void FileListModel::reportNotFound(int count, int total, const std::string& root, bool noneFound) {
+  if (noneFound)
+    _reporter.error(format("No files found under Source Root %s.", root.c_str()));
+  else
+    _reporter.error(format("%d (of %d entries) not found under Source Root %s.", count, total,
+                           root.c_str()));
+}
+
+int FileListModel::cantStripRoot(const std::string& root, bool report) {
+  if (root == "/") return 0;
+  if (cantPrependRoot(_sourceRoot, report) > 0) return _idb->count();
+
+  std::string resolvedRoot;
+  if (int error = resolve(root, &resolvedRoot, nullptr)) {
+    _reporter.logMessage(
+        format("Unable to resolve links for %s: %s", root.c_str(), std::strerror(error)));
+    resolvedRoot = root;
+  }
+  std::vector<char> flags(_idb->count(), 0);
+  int count = 0;
+  for (int i = 0; i < _idb->count(); i++) {
+    const std::string full = join(_sourceRoot, std::string((*_idb)[i]->srcpath()));
+    std::string resolved, stoppedAt;
+    if (int error = resolve(full, &resolved, &stoppedAt)) {
+      _reporter.logMessage(
+          format("Unable to resolve links for %s: %s", full.c_str(), std::strerror(error)));
+      // The second field shows the path being resolved: more use to the
+      // reader than the null the resolution leaves there.
+      _reporter.logMessage(format("   (at '%s' in '%s')", stoppedAt.c_str(), full.c_str()));
+      resolved = full;
+    }
+    // The order and the odd choice of the character after the prefix in the
+    // second test are how roots have always been compared; changing them
+    // would change which moves are accepted.
+    bool under = beginsWith(resolved, resolvedRoot, resolved) ||
+                 beginsWith(full, resolvedRoot, resolved) ||
+                 beginsWith(resolved, root, resolved) || beginsWith(full, root, full);
+    if (!under) {
+      count++;
+      flags[i] = 1;
+    }
+  }
+  if (report) {
+    selectOnly(flags);
+    if (count > 0) reportNotFound(count, _idb->count(), root, false);
+  }
+  return count;
+}
+
+int FileListModel::totalUnfound() {
+  int count = cantPrependRoot(_sourceRoot, false);
+  if (count > 0) cantPrependRoot(_sourceRoot, true);
+  return count;
+}
+
+std::optional<std::string> FileListModel::setSourceRoot(const std::string& typed) {
+  const std::string root = normalize(typed);
+  if (!isDirectory(root)) {
+    _reporter.error(format("Source Root '%s' is not a directory.", typed.c_str()));
+    return std::nullopt;
+  }
+  BusyScope busy(_busy);
+  const int notFound = cantPrependRoot(root, false);
+  if (notFound > 0) {
+    const int outside = cantStripRoot(root, false);
+    if (outside > 0) {
+      // Neither keeping the paths nor keeping the files fits every record:
+      // show the reading that fails for fewer of them (the missing files on
+      // a tie).
+      if (notFound > outside)
+        cantStripRoot(root, true);
+      else
+        cantPrependRoot(root, true);
+      return std::nullopt;
+    }
+    backup();
+    rewriteSourcePaths(root);
+    refresh();
+    _modified = true;
+  }
+  deselectAll();
+  _sourceRoot = root;
+  _idb->setSourceRoot(root);
+  updateSourceRootFields();
+  return root;
+}
+
+// Every file lies under newRoot: make each source path relative to it.  A
+// file installed where it lies in the tree keeps doing so.
+void FileListModel::rewriteSourcePaths(const std::string& newRoot) {
+  std::string resolvedRoot;
+  bool rootResolved = false;
+  for (int i = 0; i < _idb->count(); i++) {
+    const ::idb* rec = (*_idb)[i];
+    const std::string oldSrc(rec->srcpath());
+    const std::string full = join(_sourceRoot, oldSrc);
+    std::string rel;
+    if (newRoot == "/") {
+      rel = full.substr(1);
+    } else if (beginsWith(full, newRoot, full)) {
+      rel = full.substr(std::min(full.size(), newRoot.size() + 1));
+    } else {
+      // The file lies under the new root only through a symbolic link in
+      // the old path: cut the resolved path instead of counting characters
+      // of the unresolved one.
+      if (!rootResolved) rootResolved = resolve(newRoot, &resolvedRoot, nullptr) == 0;
+      std::string resolved;
+      if (rootResolved && resolve(full, &resolved, nullptr) == 0 &&
+          beginsWith(resolved, resolvedRoot, resolved))
+        rel = resolved.substr(std::min(resolved.size(), resolvedRoot.size() + 1));
+      else
+        rel = full.substr(std::min(full.size(), newRoot.size() + 1));
+    }
+    if (rec->dstpath() == oldSrc) _idb->setDstpath(i, rel);
+    _idb->setSrcpath(i, rel);
+  }
+}
+
+std::optional<std::string> FileListModel::setDestRoot(const std::string& typed) {
+  const std::string root = normalize(typed);
+  if (_destRoot && *_destRoot == root) return *_destRoot;
+  if (!isDirectory(root)) {
+    _reporter.error(format("Destination Root '%s' is not a directory.", typed.c_str()));
+    return std::nullopt;
+  }
+  _destRoot = root;
+  if (_permsPanel) _permsPanel->setDestRoot(root);
+  if (_buildPanel) _buildPanel->setDestRoot(root);
+  return root;
+}
+
+void FileListModel::initSourceRoot() {
+  const char* value = std::getenv("SBASE");
+  if (!value) return;
+  const std::string root = normalize(value);
+  if (isDirectory(root)) {
+    setSourceRoot(root);
+  } else {
+    _reporter.logMessage(format("SBASE (%s) is not a directory.", root.c_str()));
+    _reporter.showMessages();
+  }
+}
+
+void FileListModel::initDestRoot() {
+  const char* value = std::getenv("RBASE");
+  if (!value) return;
+  const std::string root = normalize(value);
+  if (isDirectory(root)) {
+    setDestRoot(root);
+  } else {
+    _reporter.logMessage(format("RBASE (%s) is not a directory.", root.c_str()));
+    _reporter.showMessages();
+  }
+}
+
+void FileListModel::updateSourceRootFields() {
+  if (_addPanel) _addPanel->newSourceRootDirectory(_sourceRoot);
+  if (_permsPanel) _permsPanel->setSourceRoot(_sourceRoot);
+  if (_buildPanel) _buildPanel->setSourceRoot(_sourceRoot);
+}
+
+std::unique_ptr<StringSet> FileListModel::srcpathsInDir(const std::string& dir) const {
+  auto names = std::make_unique<StringSet>("Source Paths In Directory");
+  // The directory relative to the source root.  A directory outside the root
+  // loses as many characters all the same; the browser never asks for one.
+  size_t n = _sourceRoot.size();
+  if (dir.compare(0, n, _sourceRoot) == 0 && dir.size() > n && _sourceRoot != "/") n++;
+  const std::string rel = dir.substr(std::min(n, dir.size()));
+
+  for (int i = 0; i < _idb->count(); i++) {
+    const ::idb* rec = (*_idb)[i];
+    const std::string src(rec->srcpath());
+    std::string name;
+    if (!rel.empty()) {
+      std::string srcDir = mypathdirname(src);
+      if (srcDir.empty()) srcDir = "/";
+      name = srcDir == rel ? mypathbasename(src) : srcDir;
+    } else if (src.find('/') == std::string::npos) {
+      name = src;
+    } else {
+      continue;
+    }
+    if (rec->type() == 'l') {
+      names->add(name);
+      name += '/';
+    } else if (rec->type() == 'd') {
+      name += '/';
+    }
+    names->add(name);
+  }
+  return names;
+}
+
+// ---- files ---------------------------------------------------------------------
+
+bool FileListModel::open(const std::string& file) {
+  if (existsButNotRegular(file)) {
+    _reporter.warning(format("'%s' is not a regular file.\nTry again.", file.c_str()));
+    return false;
+  }
+  BusyScope busy(_busy);
+  // Read into the undo copy, so that a file that fails half-way leaves the
+  // edited idb as it was.
+  _backup = std::make_unique<Idb>();
+  _backup->setSourceRoot(_sourceRoot);
+  if (std::optional<std::string> message = _backup->open(file)) {
+    _reporter.logMessage(*message);
+    _reporter.showMessages();
+    backup();
+    return false;
+  }
+  *_idb = *_backup;
+  _modified = false;
+  refresh();
+  refreshPartners();
+  setIdbFileName(file);
+  _reporter.logMessage(format("Opened idb '%s'.", file.c_str()));
+  return true;
+}
+
+bool FileListModel::read(const std::string& file) {
+  if (existsButNotRegular(file)) {
+    _reporter.warning(format("'%s' is not a regular file.\nTry again.", file.c_str()));
+    return false;
+  }
+  BusyScope busy(_busy);
+  backup();
+  if (std::optional<std::string> message = _idb->append(file)) {
+    _reporter.logMessage(*message);
+    _reporter.showMessages();
+    *_idb = *_backup;
+    return false;
+  }
+  _modified = true;
+  refresh();
+  refreshPartners();
+  return true;
+}
+
+// The chosen file relative to the current directory where it lies below it.
+bool FileListModel::askFileName(const char* title, bool proposeProduct, std::string* chosen) {
+  if (!_fileNamePrompt) return false;
+  const std::string proposed =
+      proposeProduct ? (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb"
+                     : std::string();
+  std::string answer;
+  if (!_fileNamePrompt->askFileName(title, "*idb", proposed, &answer)) return false;
+  *chosen = trimCurrent(answer);
+  return !chosen->empty();
+}
+
+bool FileListModel::showOpenBrowser() {
+  std::string file;
+  return abandonChanges() && askFileName("Open Idb", false, &file) && open(file);
+}
+
+bool FileListModel::showReadBrowser() {
+  std::string file;
+  if (!askFileName("Append Idb", true, &file) || !read(file)) return false;
+  _reporter.logMessage(format("Appended idb '%s'.", file.c_str()));
+  return true;
+}
+
+bool FileListModel::showSaveBrowser() {
+  std::string file;
+  return askFileName("Save Idb", true, &file) && save(file.c_str());
+}
+
+bool FileListModel::save(const char* file) {
+  std::string target = file ? file : _idb->name();
+  if (target.empty() && !askFileName("Save Idb", true, &target)) return false;
+  if (_buildPanel) {
+    const std::string dist = _buildPanel->getDistDir();
+    if (!dist.empty() && samePath(mypathdirname(target), dist)) {
+      _reporter.error(
+          "Save target directory matches Distribution Directory.\n"
+          "The build operation creates a binary version of the idb file in\n"
+          "the distribution directory.  Pick another directory to save your\n"
+          "ascii files into.");
+      return false;
+    }
+  }
+  if (existsButNotRegular(target)) {
+    _reporter.warning(format("'%s' is not a regular file.\nTry again.", target.c_str()));
+    return false;
+  }
+  BusyScope busy(_busy);
+  bool wasSorted = true;
+  for (int i = 1; i < _idb->count() && wasSorted; i++)
+    wasSorted = (*_idb)[i - 1]->dstpath() <= (*_idb)[i]->dstpath();
+  if (int error = _idb->save(target)) {
+    _reporter.logMessage(
+        format("Couldn't save idb '%s' (%s).", target.c_str(), std::strerror(error)));
+    _reporter.showMessages();
+    return false;
+  }
+  _modified = false;
+  setIdbFileName(target);
+  _reporter.logMessage(format("Saved idb '%s'.", target.c_str()));
+  // Saving sorts the records.  Lines that kept the old order would make the
+  // next edit hit records other than the ones the user selected.
+  if (!wasSorted) {
+    refresh();
+    deselectAll();
+  }
+  return true;
+}
+
+bool FileListModel::abandonChanges() {
+  if (!_modified) return true;
+  const std::string& name = _idb->name();
+  if (name.empty())
+    return _reporter.question(
+        "There have been changes since you last saved.\nAbandon changes to idb file?\n");
+  return _reporter.question(format(
+      "There have been changes since you last saved.\nAbandon changes to idb file '%s'?\n",
+      name.c_str()));
+}
+
+void FileListModel::clear() {
+  if (!abandonChanges()) return;
+  _idb = std::make_unique<Idb>();
+  setIdbFileName("");
+  _idb->setSourceRoot(_sourceRoot);
+  _backup->setSourceRoot(_sourceRoot);
+  refresh();
+  refreshPartners();
+}
+
+void FileListModel::setIdbFileName(const std::string& name) {
+  _idbFileName = name;
+  if (_display) _display->fileNameChanged(fileNameLabel());
+}
+
+std::string FileListModel::fileNameLabel() const { return "Idb File:  " + _idbFileName; }
+
+// ---- lines and selection ---------------------------------------------------------
+
+void FileListModel::refresh() {
+  assert(_idb && "FileList");
+  resizeSelection();
+  if (_view == kHierarchyView) return;
+  if (_view < kHierarchyView || _view > kBuildView) {
+    std::fprintf(stderr, "FileList::refresh\tUnrecognized view: %d\n", _view);
+    return;
+  }
+  _lineText.clear();
+  _lineStart.clear();
+  _lineStart.reserve(_idb->count());
+  std::string buf;
+  char modeText[32];
+  for (int i = 0; i < _idb->count(); i++) {
+    const ::idb* rec = (*_idb)[i];
+    _lineStart.push_back(_lineText.size());
+    switch (_view) {
+      case kTagView:
+        _lineText += rec->tag();
+        _lineText += ' ';
+        _lineText += rec->srcpath();
+        break;
+      case kPermsView:
+        std::snprintf(modeText, sizeof modeText, "%c %04o ", rec->type(),
+                      static_cast<unsigned>(rec->mode()));
+        _lineText += modeText;
+        _lineText += rec->owner();
+        _lineText += ' ';
+        _lineText += rec->group();
+        _lineText += ' ';
+        _lineText += rec->dstpath();
+        break;
+      case kAttributesView:
+        _lineText += rec->dstpath();
+        for (int a = 0; a < rec->nattrs(); a++) {
+          _lineText += ' ';
+          _lineText += rec->attr(a);
+        }
+        break;
+      case kBuildView:
+        buf.clear();
+        _idb->write(buf, static_cast<unsigned>(i));
+        _lineText += buf;
+        break;
+    }
+    _lineText += '\0';
+  }
+  if (_display) _display->linesChanged();
+}
+
+std::string_view FileListModel::line(int position) const {
+  if (position < 1 || position > lineCount()) return {};
+  const size_t start = _lineStart[position - 1];
+  const size_t end =
+      position < lineCount() ? _lineStart[position] - 1 : _lineText.size() - 1;
+  return std::string_view(_lineText.data() + start, end - start);
+}
+
+void FileListModel::resizeSelection() {
+  _selected.resize(_idb->count(), 0);
+  _selectedCount = 0;
+  for (char s : _selected) _selectedCount += s != 0;
+}
+
+void FileListModel::selectOnly(const std::vector<char>& flags) {
+  _selected = flags;
+  _selected.resize(_idb->count(), 0);
+  _selectedCount = 0;
+  for (char s : _selected) _selectedCount += s != 0;
+  notifySelection();
+}
+
+void FileListModel::notifySelection() {
+  if (_display) _display->selectionChanged();
+}
+
+bool FileListModel::selectMatching(const std::string& expr) {
+  LineMatcher matcher(expr);
+  if (!matcher.ok()) {
+    _reporter.bell();
+    return false;
+  }
+  BusyScope busy(_busy);
+  std::vector<char> flags(_idb->count(), 0);
+  const int n = std::min(lineCount(), _idb->count());
+  for (int p = 1; p <= n; p++) flags[p - 1] = matcher.matches(line(p));
+  selectOnly(flags);
+  return true;
+}
+
+void FileListModel::selectTag(const std::string& tag) {
+  BusyScope busy(_busy);
+  std::vector<char> flags(_idb->count(), 0);
+  for (int i = 0; i < _idb->count(); i++) flags[i] = (*_idb)[i]->tag() == tag;
+  selectOnly(flags);
+}
+
+void FileListModel::setSelectedPositions(const std::vector<int>& positions) {
+  std::vector<char> flags(_idb->count(), 0);
+  for (int p : positions)
+    if (p >= 1 && p <= _idb->count()) flags[p - 1] = 1;
+  selectOnly(flags);
+}
+
+void FileListModel::deselectAll() { selectOnly(std::vector<char>(_idb->count(), 0)); }
+
+bool FileListModel::isSelected(int position) const {
+  return position >= 1 && position <= static_cast<int>(_selected.size()) &&
+         _selected[position - 1];
+}
+
+std::vector<int> FileListModel::selectedPositions() const {
+  std::vector<int> out;
+  out.reserve(_selectedCount);
+  for (size_t i = 0; i < _selected.size(); i++)
+    if (_selected[i]) out.push_back(static_cast<int>(i) + 1);
+  return out;
+}
+
+int FileListModel::totalDirsSelected() const {
+  int n = 0;
+  for (size_t i = 0; i < _selected.size(); i++)
+    if (_selected[i] && (*_idb)[static_cast<int>(i)]->type() == 'd') n++;
+  return n;
+}
+
+void FileListModel::showCurrent(int position) {
+  if (position < 1 || position > _idb->count()) return;
+  if (cantPrependRoot(_sourceRoot, false) > 0) {
+    cantPrependRoot(_sourceRoot, true);
+    return;
+  }
+  BusyScope busy(_busy);
+  const ::idb* rec = (*_idb)[position - 1];
+  const std::string src(rec->srcpath());
+  if (_addPanel) _addPanel->setCurrent(join(_sourceRoot, src));
+  if (_tagsPanel) _tagsPanel->setCurrent(std::string(rec->tag()));
+  if (_permsPanel)
+    _permsPanel->setCurrent(src, std::string(rec->dstpath()), rec->mode(),
+                            std::string(rec->owner()), std::string(rec->group()));
+  if (_attrsPanel) _attrsPanel->setCurrent(rec->attrs());
+}
+
+// ---- whole-list operations -----------------------------------------------------------
+
+void FileListModel::refreshPartners() {
+  if (_addPanel) _addPanel->refresh();
+  if (_tagsPanel) _tagsPanel->refresh();
+}
+
+void FileListModel::add(const std::vector<std::string>& paths) {
+  if (paths.empty()) return;
+  // New records are made relative to the source root; with records missing
+  // under it the user has to settle the root first.
+  if (cantPrependRoot(_sourceRoot, false) > 0) {
+    cantPrependRoot(_sourceRoot, true);
+    return;
+  }
+  BusyScope busy(_busy);
+  backup();
+  const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
+  for (const std::string& path : paths) _idb->add(path, tag, _sourceRoot);
+  _modified = true;
+  refresh();
+  if (_display) _display->showLastLine();
+}
+
+void FileListModel::removeItems(const std::vector<char>& doomed) {
+  std::vector<unsigned> items;
+  for (size_t i = 0; i < doomed.size(); i++)
+    if (doomed[i]) items.push_back(static_cast<unsigned>(i) + 1);
+  if (!items.empty()) _idb->removeItems(std::move(items));
+}
+
+void FileListModel::removeSelected() {
+  if (_selectedCount == 0) return;
+  BusyScope busy(_busy);
+  backup();
+  // Records go from the last selected to the first; a removed record's source
+  // path is unmarked in the browser when, at that moment, no remaining record
+  // installs to it.  Remaining then are the unselected records and the
+  // selected ones before it.  One pass over the destinations answers that for
+  // every removed source path at once.
+  struct Installers {
+    bool unselected = false;
+    int firstSelected = INT_MAX;
+  };
+  std::vector<std::string> unmarks;
+  if (_addPanel) {
+    const int n = _idb->count();
+    std::unordered_map<std::string_view, Installers> removedSources;
+    for (int i = 0; i < n; i++)
+      if (_selected[i]) removedSources.emplace((*_idb)[i]->srcpath(), Installers());
+    for (int i = 0; i < n; i++) {
+      auto found = removedSources.find((*_idb)[i]->dstpath());
+      if (found == removedSources.end()) continue;
+      if (!_selected[i])
+        found->second.unselected = true;
+      else if (i < found->second.firstSelected)
+        found->second.firstSelected = i;
+    }
+    for (int i = n - 1; i >= 0; i--) {
+      if (!_selected[i]) continue;
+      const Installers& by = removedSources[(*_idb)[i]->srcpath()];
+      if (!by.unselected && by.firstSelected >= i) unmarks.emplace_back((*_idb)[i]->srcpath());
+    }
+  }
+  removeItems(_selected);
+  for (const std::string& src : unmarks) _addPanel->unmark(src);
+  refresh();
+  _modified = true;
+  deselectAll();
+}
+
+void FileListModel::backup() {
+  *_backup = *_idb;
+  // The copy carries the root its paths are relative to, so that undoing a
+  // root move brings both back together.
+  _backup->setSourceRoot(_idb->sourceRoot());
+}
+
+void FileListModel::undo() {
+  std::swap(_idb, _backup);
+  refresh();
+  if (!_idb->sourceRoot().empty()) _sourceRoot = _idb->sourceRoot();
+  updateSourceRootFields();
+  refreshPartners();
+}
+
+void FileListModel::fixTag(const std::string& oldTag, const std::string& newTag) {
+  for (int i = 0; i < _idb->count(); i++) {
+    if ((*_idb)[i]->tag() == oldTag) {
+      _idb->setTag(i, newTag);
+      _modified = true;
+    }
+  }
+}
+
+std::unique_ptr<StringSet> FileListModel::getTags() const {
+  auto tags = std::make_unique<StringSet>("Tags in File List");
+  for (int i = 0; i < _idb->count(); i++) tags->add(std::string((*_idb)[i]->tag()));
+  return tags;
+}
+
+std::vector<std::string> FileListModel::getList() const {
+  std::vector<std::string> out;
+  out.reserve(_idb->count());
+  for (int i = 0; i < _idb->count(); i++) {
+    const ::idb* rec = (*_idb)[i];
+    std::string l(rec->tag());
+    l += ' ';
+    l += rec->srcpath();
+    out.push_back(std::move(l));
+  }
+  return out;
+}
+
+void FileListModel::createPatch(const std::string& patchName, const std::vector<int>& keep) {
+  BusyScope busy(_busy);
+  backup();
+  // From the last item down, with a cursor into keep that moves down past
+  // every entry above the item: what is not under the cursor goes.
+  std::vector<char> doomed(_idb->count(), 0);
+  int cursor = static_cast<int>(keep.size()) - 1;
+  for (int item = _idb->count(); item >= 1; item--) {
+    while (cursor >= 0 && keep[cursor] > item) cursor--;
+    if (cursor < 0 || keep[cursor] != item) doomed[item - 1] = 1;
+  }
+  removeItems(doomed);
+  refresh();
+  deselectAll();
+
+  if (_specGraph) {
+    // The patch subsystem depends only on the old tag; ask once per tag.
+    std::unordered_map<std::string, std::string> patchTags;
+    for (int i = 0; i < _idb->count(); i++) {
+      const std::string oldTag((*_idb)[i]->tag());
+      auto known = patchTags.find(oldTag);
+      if (known == patchTags.end())
+        known = patchTags.emplace(oldTag, _specGraph->createPatchSubsystem(patchName, oldTag)).first;
+      _idb->setTag(i, known->second);
+    }
+    for (;;) {
+      const std::string product = _specGraph->getProductName();
+      if (product.empty() || product == patchName) break;
+      _specGraph->deleteProduct(product);
+      // A graph that keeps the product would otherwise be asked forever.
+      if (_specGraph->getProductName() == product) break;
+    }
+  }
+  _modified = true;
+  setIdbFileName("");
+  _idb->setName("");
+  refreshPartners();
+}
+
+// ---- edits of the selected records -------------------------------------------------
+
+template <class Edit>
+bool FileListModel::editSelected(Edit edit) {
+  if (_selectedCount == 0) return false;
+  for (int i = 0; i < static_cast<int>(_selected.size()) && i < _idb->count(); i++)
+    if (_selected[i]) edit(i);
+  _modified = true;
+  return true;
+}
+
+void FileListModel::replaceMode(unsigned long mode) {
+  editSelected([&](int i) { _idb->setMode(i, static_cast<std::uint32_t>(mode & 0xFFFF)); });
+}
+
+void FileListModel::replaceOwner(const std::string& owner) {
+  editSelected([&](int i) { _idb->setOwner(i, owner); });
+}
+
+void FileListModel::replaceGroup(const std::string& group) {
+  editSelected([&](int i) { _idb->setGroup(i, group); });
+}
+
+void FileListModel::replaceSourceDir(const std::string& dir) {
+  editSelected([&](int i) {
+    _idb->setSrcpath(i, dir + "/" + mypathbasename(std::string((*_idb)[i]->srcpath())));
+  });
+}
+
+void FileListModel::replaceSourceFile(const std::string& name) {
+  editSelected([&](int i) {
+    _idb->setSrcpath(i, mypathdirname(std::string((*_idb)[i]->srcpath())) + "/" +
+                            mypathbasename(name));
+  });
+}
+
+void FileListModel::replaceDestDir(const std::string& dir) {
+  editSelected([&](int i) {
+    _idb->setDstpath(i, dir + "/" + mypathbasename(std::string((*_idb)[i]->dstpath())));
+  });
+}
+
+void FileListModel::replaceDestFile(const std::string& name) {
+  // A bare destination name has the directory "." and one directly under the
+  // root "", so "x" becomes "./y" and "/x" becomes "/y"; installations rely on
+  // that.
+  editSelected([&](int i) {
+    _idb->setDstpath(i, mypathdirname(std::string((*_idb)[i]->dstpath())) + "/" +
+                            mypathbasename(name));
+  });
+}
+
+void FileListModel::replaceTag(const std::string& tag) {
+  if (_selectedCount == 0) return;
+  backup();
+  editSelected([&](int i) { _idb->setTag(i, tag); });
+}
+
+void FileListModel::addAttribute(const std::string& attr) {
+  editSelected([&](int i) { _idb->addAttribute(static_cast<unsigned>(i) + 1, attr); });
+}
+
+void FileListModel::addDirsAttribute(const std::string& attr) {
+  editSelected([&](int i) {
+    if ((*_idb)[i]->type() == 'd') _idb->addAttribute(static_cast<unsigned>(i) + 1, attr);
+  });
+}
+
+void FileListModel::deleteAttributes() {
+  if (_selectedCount == 0) return;
+  backup();
+  editSelected([&](int i) { _idb->deleteAttributes(static_cast<unsigned>(i) + 1); });
+}

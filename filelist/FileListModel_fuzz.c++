@@ -1,0 +1,123 @@
+// Arbitrary edits of an arbitrary idb through the file list model.  The
+// input is an idb text, a NUL, then operations (one byte each, some followed
+// by an argument byte).  After every operation the list must show one line
+// per record and the selection must name existing records only.
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "filelist/FileListModel.h"
+#include "idb/StringSet.h"
+#include "util/Reporter.h"
+
+namespace {
+
+void check(bool ok) {
+  if (!ok) std::abort();
+}
+
+// Says nothing, agrees to everything.
+class QuietReporter : public Reporter {
+ public:
+  void logMessage(const std::string&) override {}
+  void showMessages() override {}
+  void error(const std::string&) override {}
+  void warning(const std::string&) override {}
+  bool question(const std::string&) override { return true; }
+  void bell() override {}
+};
+
+// A scratch file for the idb text, made once per process and removed with it.
+char scratchDir[] = "/tmp/filelist-fuzz-XXXXXX";
+
+void removeScratch() {
+  unlink((std::string(scratchDir) + "/in.idb").c_str());
+  rmdir(scratchDir);
+}
+
+const std::string& scratchFile() {
+  static const std::string path = [] {
+    if (!mkdtemp(scratchDir)) std::abort();
+    std::atexit(removeScratch);
+    return std::string(scratchDir) + "/in.idb";
+  }();
+  return path;
+}
+
+const char* const kWords[] = {"t", "a.b.c", ".*", "^$", "[", "lib", "x/y", "", "/", "0",
+                              "symval(x)", "d"};
+
+void checkInvariants(FileListModel& model) {
+  const int count = model.idb().count();
+  if (model.view() >= FileListModel::kTagView && model.view() <= FileListModel::kBuildView) {
+    model.refresh();
+    check(model.lineCount() == count);
+  }
+  std::vector<int> selected = model.selectedPositions();
+  check(static_cast<int>(selected.size()) == model.totalSelected());
+  for (int p : selected) check(p >= 1 && p <= count && model.isSelected(p));
+  check(model.totalDirsSelected() <= model.totalSelected());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::string_view input(reinterpret_cast<const char*>(data), size);
+  const size_t split = input.find('\0');
+  std::string_view text = input.substr(0, split);
+  std::string_view ops = split == std::string_view::npos ? std::string_view() : input.substr(split + 1);
+
+  std::FILE* f = std::fopen(scratchFile().c_str(), "w");
+  if (!f) return 0;
+  std::fwrite(text.data(), 1, text.size(), f);
+  std::fclose(f);
+
+  QuietReporter reporter;
+  FileListModel model(reporter);
+  model.setView(FileListModel::kTagView);
+  model.open(scratchFile());
+  checkInvariants(model);
+
+  for (size_t i = 0; i < ops.size(); i++) {
+    const unsigned char op = static_cast<unsigned char>(ops[i]);
+    const unsigned char arg = i + 1 < ops.size() ? static_cast<unsigned char>(ops[++i]) : 0;
+    const std::string word = kWords[arg % (sizeof kWords / sizeof *kWords)];
+    const int count = model.idb().count();
+    switch (op % 20) {
+      case 0: model.selectMatching(word); break;
+      case 1: model.selectMatching(std::string(1, static_cast<char>(arg))); break;
+      case 2: {
+        std::vector<int> positions;
+        for (int p = 1; p <= count; p++)
+          if ((p * 7 + arg) % 3 == 0) positions.push_back(p);
+        model.setSelectedPositions(positions);
+        break;
+      }
+      case 3: model.selectTag(word); break;
+      case 4: model.replaceTag(word.empty() ? "t" : word); break;
+      case 5: model.replaceDestFile(word); break;
+      case 6: model.replaceSourceDir(word); break;
+      case 7: model.addAttribute(word.empty() ? "x" : word); break;
+      case 8: model.addDirsAttribute("config(suggest)"); break;
+      case 9: model.deleteAttributes(); break;
+      case 10: model.removeSelected(); break;
+      case 11: model.undo(); break;
+      case 12: model.backup(); break;
+      case 13: model.createPatch("patch", model.selectedPositions()); break;
+      case 14: model.fixTag(word, "renamed.sw.x"); break;
+      case 15: model.setView(arg % 5); break;
+      case 16: model.replaceMode(arg * 0x1111UL); break;
+      case 17: model.srcpathsInDir(model.sourceRoot() + "/" + word); break;
+      case 18: check(model.getTags()->count() <= count); break;
+      case 19: check(static_cast<int>(model.getList().size()) == count); break;
+    }
+    checkInvariants(model);
+  }
+  return 0;
+}

@@ -1,0 +1,671 @@
+#include "idb/Idb.h"
+
+#include <errno.h>
+#include <grp.h>
+#include <pwd.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "util/AtomicFile.h"
+
+namespace {
+
+// Output is formatted into one buffer and handed to stdio in large pieces.
+constexpr std::size_t kFlushAt = 1 << 20;
+
+std::string readMessage(const std::string& file, const std::string& what, int line) {
+  return "Couldn't read idb '" + file + "' (" + what + " on line " + std::to_string(line) + ").";
+}
+
+// User and group names by number.  Adding a tree of 100,000 files asks for the
+// same handful of ids over and over; the databases behind getpwuid may be
+// slow (network services), so each id is looked up once per process.
+const std::string& userName(uid_t uid) {
+  static std::unordered_map<uid_t, std::string> cache;
+  auto it = cache.find(uid);
+  if (it != cache.end()) return it->second;
+  struct passwd* pw = getpwuid(uid);
+  return cache.emplace(uid, pw && pw->pw_name ? pw->pw_name : "root").first->second;
+}
+
+const std::string& groupName(gid_t gid) {
+  static std::unordered_map<gid_t, std::string> cache;
+  auto it = cache.find(gid);
+  if (it != cache.end()) return it->second;
+  struct group* gr = getgrgid(gid);
+  return cache.emplace(gid, gr && gr->gr_name ? gr->gr_name : "sys").first->second;
+}
+
+std::string linkTarget(const std::string& path) {
+  std::vector<char> buf(256);
+  for (;;) {
+    ssize_t n = readlink(path.c_str(), buf.data(), buf.size());
+    if (n < 0) return std::string();
+    if (static_cast<std::size_t>(n) < buf.size()) return std::string(buf.data(), n);
+    buf.resize(buf.size() * 2);
+  }
+}
+
+void appendOctal(std::string& out, std::uint32_t mode) {
+  char digits[12];
+  int n = 0;
+  do {
+    digits[n++] = static_cast<char>('0' + (mode & 7));
+    mode >>= 3;
+  } while (mode);
+  for (int i = n; i < 4; ++i) out += '0';
+  while (n) out += digits[--n];
+}
+
+void appendRecord(std::string& out, const idb& r) {
+  out += r.type();
+  out += ' ';
+  appendOctal(out, r.mode());
+  for (std::string_view f : {r.owner(), r.group(), r.dstpath(), r.srcpath(), r.tag()}) {
+    out += ' ';
+    out += f;
+  }
+  for (int a = 0; a < r.nattrs(); ++a) {
+    out += ' ';
+    out += r.attr(a);
+  }
+}
+
+bool isDerived(std::string_view attr) {
+  return attr.find("symval(") != std::string_view::npos ||
+         attr.find("dev(") != std::string_view::npos;
+}
+
+// ---- Sorting by destination path
+//
+// Records are ordered through a permutation of (key, index) pairs, where the
+// key holds eight bytes of the destination path starting at some depth.  A
+// stable radix sort orders the pairs by key; pairs whose keys tie and whose
+// paths go on are ordered again by the next eight bytes.  The pairs start in
+// record order and every step is stable, so equal paths keep file order.
+
+struct SortKey {
+  std::uint64_t key;
+  const char* path;  // the destination path, to fetch the next key from
+  std::uint32_t index;
+};
+
+std::uint64_t keyAt(const char* s) {
+  std::uint64_t k = 0;
+  int i = 0;
+  for (; i < 8 && s[i]; ++i) k = (k << 8) | static_cast<unsigned char>(s[i]);
+  return i == 8 ? k : i == 0 ? 0 : k << (8 * (8 - i));
+}
+
+void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
+  if (n < 64) {
+    std::stable_sort(a, a + n, [](const SortKey& x, const SortKey& y) { return x.key < y.key; });
+    return;
+  }
+  // Eight passes of one byte each, from the lowest; a byte that is the same
+  // in every key (common: paths share their first directories) is skipped.
+  std::vector<std::size_t> counts(8 * 256, 0);
+  for (std::size_t i = 0; i < n; ++i) {
+    std::uint64_t k = a[i].key;
+    for (int b = 0; b < 8; ++b) ++counts[b * 256 + ((k >> (8 * b)) & 0xFF)];
+  }
+  SortKey* from = a;
+  SortKey* to = tmp;
+  for (int b = 0; b < 8; ++b) {
+    std::size_t* c = &counts[b * 256];
+    if (c[(from[0].key >> (8 * b)) & 0xFF] == n) continue;
+    std::size_t sum = 0;
+    for (int v = 0; v < 256; ++v) {
+      std::size_t k = c[v];
+      c[v] = sum;
+      sum += k;
+    }
+    for (std::size_t i = 0; i < n; ++i) to[c[(from[i].key >> (8 * b)) & 0xFF]++] = from[i];
+    std::swap(from, to);
+  }
+  if (from != a) std::copy(from, from + n, a);
+}
+
+std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
+  std::size_t n = records.size();
+  std::vector<SortKey> keys(n);
+  std::vector<SortKey> tmp(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    const char* path = records[i].dstpath().data();
+    keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
+  }
+
+  struct Range {
+    std::size_t begin, size;
+  };
+  std::vector<Range> work{{0, n}};
+  bool first = true;
+  while (!work.empty()) {
+    Range r = work.back();
+    work.pop_back();
+    SortKey* a = keys.data() + r.begin;
+    if (!first) {
+      // The ties of the previous round: fetch their next eight bytes.  The
+      // paths lie all over memory; fetching ahead hides the wait.
+      constexpr std::size_t kAhead = 16;
+      for (std::size_t i = 0; i < r.size; ++i) {
+        if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
+        a[i].path += 8;
+        a[i].key = keyAt(a[i].path);
+      }
+    }
+    first = false;
+    radixSort(a, tmp.data(), r.size);
+    for (std::size_t i = 0; i < r.size;) {
+      std::size_t j = i + 1;
+      while (j < r.size && a[j].key == a[i].key) ++j;
+      // A key whose last byte is 0 holds the end of both paths: they are equal.
+      if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
+      i = j;
+    }
+  }
+  std::vector<std::uint32_t> order(n);
+  for (std::size_t i = 0; i < n; ++i) order[i] = keys[i].index;
+  return order;
+}
+
+}  // namespace
+
+char type(const struct stat& st) {
+  switch (st.st_mode & 0xF000) {
+    case 0xC000: return 's';
+    case 0x4000: return 'd';
+    case 0x6000: return 'b';
+    case 0x2000: return 'c';
+    case 0x1000: return 'p';
+    case 0xA000: return 'l';
+    default: return 'f';
+  }
+}
+
+std::vector<std::string> idb::attrs() const {
+  std::vector<std::string> out;
+  for (int i = 0; i < _nattrs; ++i) out.emplace_back(_attrs[i]);
+  return out;
+}
+
+// ---- Construction and copying
+
+Idb::Idb() = default;
+
+Idb::~Idb() = default;
+
+Idb::Idb(const Idb& other) { *this = other; }
+
+Idb& Idb::operator=(const Idb& other) {
+  if (this == &other) return *this;
+  _name = other._name;
+  _records = other._records;
+  _arena = other._arena;
+  // Attribute arrays are shared with other: neither side may fill the other's
+  // spare slots, so this copy reallocates before it adds one.
+  for (idb& r : _records) r._attrRoom = static_cast<std::uint32_t>(r._nattrs);
+  _index.clear();
+  _indexValid = false;
+  return *this;
+}
+
+// ---- Access
+
+const idb* Idb::operator[](int i) const {
+  if (i < 0 || i >= count()) return nullptr;
+  return &_records[static_cast<std::size_t>(i)];
+}
+
+idb* Idb::record(int i) {
+  if (i < 0 || i >= count()) return nullptr;
+  return &_records[static_cast<std::size_t>(i)];
+}
+
+int Idb::findIndex(std::string_view dstpath) const {
+  if (!_indexValid) {
+    _index.clear();
+    _index.reserve(_records.size());
+    _indexUnique = true;
+    for (std::size_t i = 0; i < _records.size(); ++i)
+      if (!_index.emplace(_records[i].dstpath(), static_cast<int>(i)).second) _indexUnique = false;
+    _indexValid = true;
+  }
+  auto it = _index.find(dstpath);
+  return it == _index.end() ? -1 : it->second;
+}
+
+const idb* Idb::find(std::string_view dstpath) const { return (*this)[findIndex(dstpath)]; }
+
+const idb* Idb::find(const char* dstpath) const {
+  return dstpath ? find(std::string_view(dstpath)) : nullptr;
+}
+
+void Idb::indexAdded(int i) {
+  if (!_indexValid) return;
+  if (!_index.emplace(_records[static_cast<std::size_t>(i)].dstpath(), i).second)
+    _indexUnique = false;
+}
+
+// ---- Reading
+
+std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) {
+  if (begin < end && *begin == '#') return std::nullopt;
+  char* p = begin;
+  // Fields are separated by runs of blanks; each token is cut out in place.
+  auto token = [&p, end]() -> char* {
+    while (p < end && *p == ' ') ++p;
+    if (p == end) return nullptr;
+    char* t = p;
+    while (p < end && *p != ' ') ++p;
+    if (p < end) *p++ = '\0';
+    return t;
+  };
+
+  char* t = token();
+  if (!t) {
+    if (newline) return std::nullopt;  // empty line
+    return std::string("Expected type in field 1");
+  }
+  idb r;
+  r._type = t[0];
+  if (!(t = token())) return std::string("Expected mode in field 2");
+  r._mode = static_cast<std::uint32_t>(std::strtol(t, nullptr, 8)) & 0xFFFF;
+  static const char* const kMissing[] = {"Expected owner in field 3", "Expected group in field 4",
+                                         "Expected destination path in field 5",
+                                         "Expected source path in field 6",
+                                         "Expected tag in field 7"};
+  const char** fields[] = {&r._owner, &r._group, &r._dstpath, &r._srcpath, &r._tag};
+  for (int f = 0; f < 5; ++f) {
+    if (!(t = token())) return std::string(kMissing[f]);
+    *fields[f] = t;
+  }
+  _scratch.clear();
+  if (p < end) splitAttributes(p, _scratch);
+  if (!_scratch.empty()) setAttributes(r, _scratch.data(), _scratch.size(), false);
+  _records.push_back(r);
+  indexAdded(count() - 1);
+  return std::nullopt;
+}
+
+std::optional<std::string> Idb::read(std::string_view line) {
+  bool newline = !line.empty() && line.back() == '\n';
+  if (newline) line.remove_suffix(1);
+  if (line.find('\0') != std::string_view::npos) return std::string("Unexpected NUL byte");
+  if (line.find('\n') != std::string_view::npos) return std::string("Unexpected newline");
+  char* text = _arena.copy(line);
+  return parseLine(text, text + line.size(), newline);
+}
+
+void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
+  char* p = text;
+  char* start = nullptr;
+  while (*p) {
+    char c = *p;
+    if (c == ' ') {
+      if (start) {
+        *p = '\0';
+        out.push_back(start);
+        start = nullptr;
+      }
+      ++p;
+      continue;
+    }
+    if (!start) start = p;
+    if (c == '\\') {
+      p += p[1] ? 2 : 1;  // the escaped character is not examined
+    } else if (c == '\'' || c == '"') {
+      char* close = std::strchr(p + 1, c);
+      p = close ? close + 1 : p + std::strlen(p);  // unclosed: the rest of the text
+    } else {
+      ++p;
+    }
+  }
+  if (start) out.push_back(start);
+}
+
+void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool keepOld) {
+  std::size_t old = keepOld ? static_cast<std::size_t>(r._nattrs) : 0;
+  std::size_t total = old + n;
+  if (total > r._attrRoom || !keepOld) {
+    // Grown by doubling when attributes come one at a time; exact otherwise.
+    std::size_t room = keepOld ? std::max<std::size_t>(total, 2 * r._attrRoom) : total;
+    const char** fresh = room ? _arena.pointers(room) : nullptr;
+    if (old) std::copy(r._attrs, r._attrs + old, fresh);
+    r._attrs = fresh;
+    r._attrRoom = static_cast<std::uint32_t>(room);
+  }
+  if (n) std::copy(attrs, attrs + n, r._attrs + old);
+  r._nattrs = static_cast<std::int32_t>(total);
+  if (!total) {
+    r._attrs = nullptr;
+    r._attrRoom = 0;
+  }
+}
+
+std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
+  char* end = text + size;
+  char* nul = static_cast<char*>(std::memchr(text, '\0', size));
+  std::size_t lines = 0;
+  for (const char* p = text;
+       (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))));
+       ++p)
+    ++lines;
+  // Room for every line at once, still doubling when many small files come in.
+  std::size_t need = _records.size() + lines + 1;
+  if (need > _records.capacity()) _records.reserve(std::max(need, 2 * _records.capacity()));
+  int lineNo = 1;
+  for (char* p = text; p < end; ++lineNo) {
+    char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+    char* lineEnd = nl ? nl : end;
+    if (nul && nul < lineEnd) return readMessage(file, "Unexpected NUL byte", lineNo);
+    if (nl) *nl = '\0';
+    if (auto message = parseLine(p, lineEnd, nl != nullptr))
+      return readMessage(file, *message, lineNo);
+    p = nl ? nl + 1 : end;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> Idb::load(const std::string& file, const char* openFormat,
+                                     bool withReason, bool replace) {
+  auto openFailure = [&](int err) {
+    std::string m = std::string("Couldn't open idb '") + file + "'";
+    if (withReason) m += std::string(" (") + std::strerror(err) + ")";
+    return m + openFormat;
+  };
+  std::FILE* f = std::fopen(file.c_str(), "r");
+  if (!f) return openFailure(errno);
+
+  // The whole file is read in one go into storage that the records then
+  // point into.  Regular files are read straight into place; anything else
+  // (a pipe) through a growing string.
+  struct stat st;
+  std::string extra;
+  std::size_t size = 0;
+  char* text = nullptr;
+  TextArena incoming;
+  bool regular = fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode);
+  if (regular) {
+    std::size_t want = static_cast<std::size_t>(st.st_size);
+    text = incoming.buffer(want);
+    size = std::fread(text, 1, want, f);
+  }
+  char chunk[65536];
+  for (std::size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) extra.append(chunk, n);
+  int err = std::ferror(f) ? (errno ? errno : EIO) : 0;
+  std::fclose(f);
+  if (err) return openFailure(err);
+  if (!extra.empty() || !text) {
+    // The file grew while it was read, or it is not a regular file.
+    char* joined = incoming.buffer(size + extra.size());
+    if (size) std::memcpy(joined, text, size);
+    if (!extra.empty()) std::memcpy(joined + size, extra.data(), extra.size());
+    text = joined;
+    size += extra.size();
+    joined[size] = '\0';
+  } else {
+    text[size] = '\0';
+  }
+  if (replace) {
+    clear();
+    _name = file;
+  }
+  _arena.adopt(incoming);
+  return readBuffer(text, size, file);
+}
+
+std::optional<std::string> Idb::open(const std::string& file) {
+  return load(file, ".", true, true);
+}
+
+std::optional<std::string> Idb::append(const std::string& file) {
+  return load(file, ".\n", false, false);
+}
+
+std::optional<std::string> Idb::readText(std::string_view text, const std::string& fileName) {
+  char* copy = _arena.buffer(text.size());
+  if (!text.empty()) std::memcpy(copy, text.data(), text.size());
+  return readBuffer(copy, text.size(), fileName);
+}
+
+// ---- Writing
+
+int Idb::save(const std::string& file) {
+  std::string target = file.empty() ? _name : file;
+  if (target.empty()) return ENOENT;
+  AtomicFile out(target);
+  if (int err = out.open()) return err;
+  sort();
+  std::string buf;
+  buf.reserve(kFlushAt + 4096);
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t i = 0; i < _records.size(); ++i) {
+    // After sorting, consecutive records point all over the text: fetch the
+    // fields of a later line while this one is formatted.
+    if (i + kAhead < _records.size()) {
+      const char* ahead = _records[i + kAhead]._owner;
+      __builtin_prefetch(ahead);
+      __builtin_prefetch(ahead + 64);
+      __builtin_prefetch(ahead + 128);
+    }
+    appendRecord(buf, _records[i]);
+    buf += '\n';
+    if (buf.size() >= kFlushAt) {
+      if (std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size()) return errno ? errno : EIO;
+      buf.clear();
+    }
+  }
+  if (!buf.empty() && std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size())
+    return errno ? errno : EIO;
+  if (int err = out.commit()) return err;
+  if (_name.empty()) _name = target;
+  return 0;
+}
+
+void Idb::write(std::string& buf, unsigned i) const {
+  if (i >= _records.size()) return;
+  buf.clear();
+  appendRecord(buf, _records[i]);
+}
+
+std::string Idb::line(int i) const {
+  std::string buf;
+  if (i >= 0) write(buf, static_cast<unsigned>(i));
+  return buf;
+}
+
+void Idb::print() const {
+  std::printf("%s (%d items):\n", _name.c_str(), count());
+  std::string buf;
+  for (unsigned i = 0; i < _records.size(); ++i) {
+    write(buf, i);
+    std::printf("%s\n", buf.c_str());
+  }
+}
+
+// ---- Adding and removing records
+
+bool Idb::add(const std::string& path, std::string_view tag, std::string_view root) {
+  struct stat st;
+  if (lstat(path.c_str(), &st) != 0) {
+    std::fprintf(stderr, "%s does not exist.\n", path.c_str());
+    return false;
+  }
+  // Callers pass paths under root; the root and its separating slash are cut
+  // off without further checks.
+  std::size_t skip = root.size();
+  if (std::string_view(path).substr(0, root.size()) == root && root != "/") ++skip;
+  std::string rel = skip < path.size() ? path.substr(skip) : std::string();
+
+  std::vector<std::string> attrs;
+  char t = type(st);
+  if (t == 'b' || t == 'c')
+    attrs.push_back("dev(" + std::to_string(major(st.st_rdev)) + "," +
+                    std::to_string(minor(st.st_rdev)) + ")");
+  if (t == 'l') {
+    std::string target = linkTarget(path);
+    if (!target.empty()) attrs.push_back("symval(" + target + ")");
+  }
+  addRecord(t, st.st_mode & 0x0FFF, userName(st.st_uid), groupName(st.st_gid), rel, rel, tag,
+            attrs);
+  return true;
+}
+
+int Idb::addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,
+                   std::string_view dstpath, std::string_view srcpath, std::string_view tag,
+                   const std::vector<std::string>& attrs) {
+  idb r;
+  r._type = type;
+  r._mode = mode & 0xFFFF;
+  r._owner = _arena.copy(owner);
+  r._group = _arena.copy(group);
+  r._dstpath = _arena.copy(dstpath);
+  r._srcpath = _arena.copy(srcpath);
+  r._tag = _arena.copy(tag);
+  _scratch.clear();
+  for (const std::string& a : attrs) _scratch.push_back(_arena.copy(a));
+  setAttributes(r, _scratch.data(), _scratch.size(), false);
+  _records.push_back(r);
+  indexAdded(count() - 1);
+  return count() - 1;
+}
+
+void Idb::remove(unsigned item) {
+  if (item < 1 || item > _records.size()) return;
+  _records.erase(_records.begin() + (item - 1));
+  indexChanged();
+}
+
+void Idb::removeItems(std::vector<unsigned> items) {
+  std::sort(items.begin(), items.end());
+  std::size_t out = 0;
+  std::size_t next = 0;  // position in items
+  for (std::size_t i = 0; i < _records.size(); ++i) {
+    while (next < items.size() && items[next] < i + 1) ++next;
+    if (next < items.size() && items[next] == i + 1) continue;
+    _records[out++] = _records[i];
+  }
+  if (out == _records.size()) return;
+  _records.resize(out);
+  indexChanged();
+}
+
+void Idb::deleteItem(int i) {
+  idb* r = record(i);
+  if (!r) return;
+  char t = r->_type;
+  std::uint32_t mode = r->_mode;
+  *r = idb();
+  r->_type = t;
+  r->_mode = mode;
+  indexChanged();
+}
+
+void Idb::clear() {
+  _name.clear();
+  _records.clear();
+  _records.shrink_to_fit();
+  _arena.clear();
+  _index.clear();
+  _indexValid = false;
+}
+
+void Idb::sort() {
+  if (_records.size() < 2) return;
+  std::vector<std::uint32_t> order = sortOrder(_records);
+  // Gathered into a new array: the reads jump about, so the next ones are
+  // fetched ahead while the current one is copied.
+  std::vector<idb> sorted;
+  sorted.reserve(_records.capacity());
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t j = 0; j < order.size(); ++j) {
+    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
+    sorted.push_back(_records[order[j]]);
+  }
+  _records.swap(sorted);
+  indexChanged();
+}
+
+// ---- Field edits
+
+void Idb::setType(int i, char t) {
+  if (idb* r = record(i)) r->_type = t;
+}
+
+void Idb::setMode(int i, std::uint32_t mode) {
+  if (idb* r = record(i)) r->_mode = mode & 0xFFFF;
+}
+
+void Idb::setOwner(int i, std::string_view owner) {
+  if (idb* r = record(i)) r->_owner = _arena.copy(owner);
+}
+
+void Idb::setGroup(int i, std::string_view group) {
+  if (idb* r = record(i)) r->_group = _arena.copy(group);
+}
+
+void Idb::setSrcpath(int i, std::string_view srcpath) {
+  if (idb* r = record(i)) r->_srcpath = _arena.copy(srcpath);
+}
+
+void Idb::setTag(int i, std::string_view tag) {
+  if (idb* r = record(i)) r->_tag = _arena.copy(tag);
+}
+
+void Idb::setDstpath(int i, std::string_view dstpath) {
+  idb* r = record(i);
+  if (!r) return;
+  std::string_view old = r->dstpath();
+  r->_dstpath = _arena.copy(dstpath);
+  if (!_indexValid) return;
+  auto it = _index.find(old);
+  if (it != _index.end() && it->second == i) {
+    // Another record may carry the old path too and become its first.
+    if (!_indexUnique) {
+      indexChanged();
+      return;
+    }
+    _index.erase(it);
+  }
+  auto [at, inserted] = _index.emplace(r->dstpath(), i);
+  if (!inserted) {
+    _indexUnique = false;
+    if (at->second > i) at->second = i;
+  }
+}
+
+// ---- Attributes
+
+void Idb::addAttribute(unsigned item, std::string_view attr) {
+  idb* r = record(static_cast<int>(item) - 1);
+  if (!r || item == 0) return;
+  const char* copy = _arena.copy(attr);
+  setAttributes(*r, &copy, 1, true);
+}
+
+void Idb::parseAttributes(unsigned item, std::string_view text) {
+  idb* r = record(static_cast<int>(item) - 1);
+  if (!r || item == 0) return;
+  // Cut at a NUL, as the C string the text stands for would be.
+  text = text.substr(0, text.find('\0'));
+  std::vector<const char*> pieces;
+  splitAttributes(_arena.copy(text), pieces);
+  if (!pieces.empty()) setAttributes(*r, pieces.data(), pieces.size(), true);
+}
+
+void Idb::deleteAttributes(unsigned item) {
+  idb* r = record(static_cast<int>(item) - 1);
+  if (!r || item == 0 || r->_nattrs == 0) return;
+  std::vector<const char*> kept;
+  for (int a = 0; a < r->_nattrs; ++a)
+    if (isDerived(r->_attrs[a])) kept.push_back(r->_attrs[a]);
+  if (kept.size() == static_cast<std::size_t>(r->_nattrs)) return;
+  // A fresh array: the old one may be shared with an undo copy.
+  setAttributes(*r, kept.data(), kept.size(), false);
+}

@@ -1,0 +1,206 @@
+// Idb: the installation database, one record per installed file.
+//
+// Text format, one record a line (fixed by the files in the field):
+//
+//   type mode owner group dstpath srcpath tag [attr ...]
+//
+// type is one letter (f d l b c p s), mode four or more octal digits
+// ("%04o"), the other fields are blank-free words and the attributes are
+// separated by blanks outside quotes.  Lines starting with '#' and empty
+// lines are skipped when reading and not written back.  Example:
+//
+//   l 0777 root sys usr/lib/x lib/x tool.sw.base symval(x.1)
+//
+// Conventions of this class:
+// - Failures are returned, never shown: functions that can fail on bad input
+//   return std::optional<std::string>, empty on success, else the message for
+//   the message log.  save() returns 0 or the system error number.
+// - Numbering is deliberately mixed: operator[], the setters, deleteItem and
+//   write take a ZERO-based index; addAttribute, deleteAttributes, remove and
+//   parseAttributes take a ONE-based item number (item n is index n-1).
+// - Record pointers and string views stay valid until the next call that
+//   adds or removes records (read, add, addRecord, append, open, remove,
+//   operator=, clear); views of field values stay valid as long as the Idb
+//   (or a copy made with operator=) lives, even after the field is set anew.
+//   Every view is NUL-terminated, so view.data() may be used as a C string.
+// - Values are stored as given; the caller keeps blanks and newlines out of
+//   fields (they would not read back as the same record).
+#ifndef TAMBLIN_IDB_IDB_H
+#define TAMBLIN_IDB_IDB_H
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "idb/TextArena.h"
+
+/// The type letter of a file: s d b c p l, anything else f.
+char type(const struct stat& st);
+
+/// One record of an Idb.  Read-only here: edits go through the Idb that
+/// holds it, which owns the storage of its strings.
+class idb {
+ public:
+  char type() const { return _type; }
+  /// Permission bits including set-id and sticky bits, at most 0xFFFF.
+  std::uint32_t mode() const { return _mode; }
+  std::string_view owner() const { return _owner; }
+  std::string_view group() const { return _group; }
+  /// Relative destination path (no leading '/').
+  std::string_view dstpath() const { return _dstpath; }
+  /// Source path, relative to the source root.
+  std::string_view srcpath() const { return _srcpath; }
+  std::string_view tag() const { return _tag; }
+  int nattrs() const { return _nattrs; }
+  /// Attribute i (0 <= i < nattrs()), exactly as written in the file.
+  std::string_view attr(int i) const { return _attrs[i]; }
+  std::vector<std::string> attrs() const;
+
+ private:
+  friend class Idb;
+  const char* _owner = "";
+  const char* _group = "";
+  const char* _dstpath = "";
+  const char* _srcpath = "";
+  const char* _tag = "";
+  const char** _attrs = nullptr;  // _nattrs used, _attrRoom allocated
+  std::uint32_t _mode = 0;
+  std::int32_t _nattrs = 0;
+  std::uint32_t _attrRoom = 0;
+  char _type = 'f';
+};
+
+class Idb {
+ public:
+  Idb();
+  virtual ~Idb();
+  /// Deep copy for undo: records and attributes are copied, the strings
+  /// themselves are shared (they are never changed in place).  The name is
+  /// copied too; the source root is not.
+  Idb(const Idb& other);
+  Idb& operator=(const Idb& other);
+
+  // ---- Access
+  int count() const { return static_cast<int>(_records.size()); }
+  /// The record at zero-based i, or null when i < 0 or i >= count().
+  const idb* operator[](int i) const;
+  const std::vector<idb>& records() const { return _records; }
+  /// The first record whose destination path is dstpath, or null.  Hashed:
+  /// a lookup costs O(1) after an O(n) index build, which happens again only
+  /// after records are removed or reordered.
+  const idb* find(std::string_view dstpath) const;
+  const idb* find(const char* dstpath) const;
+  /// Zero-based index of find(dstpath), or -1.
+  int findIndex(std::string_view dstpath) const;
+  const std::string& name() const { return _name; }
+  const std::string& sourceRoot() const { return _sourceRoot; }
+  void setName(std::string_view name) { _name = name; }
+  void setSourceRoot(std::string_view root) { _sourceRoot = root; }
+
+  // ---- Files
+  /// Replaces the contents with the records of file; the name becomes file.
+  /// "Couldn't open idb '%s' (%s)." leaves everything unchanged;
+  /// "Couldn't read idb '%s' (%s on line %d)." keeps the records read
+  /// before the bad line.
+  std::optional<std::string> open(const std::string& file);
+  /// Adds the records of file behind the present ones; the name stays.
+  /// "Couldn't open idb '%s'.\n" (sic, newline included) when the file
+  /// cannot be opened; read failures as for open().
+  std::optional<std::string> append(const std::string& file);
+  /// Sorts the records (sort()) and writes them to file, or to name() when
+  /// file is empty, replacing the file atomically.  Returns 0, or the system
+  /// error number, in which case the file on disk and name() are unchanged.
+  /// A nameless database takes file as its name.
+  int save(const std::string& file = std::string());
+  /// Parses text in the file format (as open() does, "x" standing for the
+  /// file name in messages), adding its records behind the present ones.
+  std::optional<std::string> readText(std::string_view text,
+                                      const std::string& fileName = "x");
+
+  // ---- Lines and records
+  /// Parses one line (a trailing newline is allowed) into a new record.
+  /// Comments and empty lines add nothing.  The message names the missing
+  /// field ("Expected owner in field 3"); a record whose line fails is not
+  /// added.
+  std::optional<std::string> read(std::string_view line);
+  /// Record i formatted as one line without newline, into buf; buf is left
+  /// alone when i is out of range.
+  void write(std::string& buf, unsigned i) const;
+  std::string line(int i) const;
+  /// Appends a record describing the existing file path (lstat, links not
+  /// followed).  dstpath and srcpath are path relative to root.  Returns
+  /// false, printing "%s does not exist.\n" on standard error, when path
+  /// cannot be stat'ed.
+  bool add(const std::string& path, std::string_view tag, std::string_view root);
+  /// Appends a record with the given fields; returns its zero-based index.
+  int addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,
+                std::string_view dstpath, std::string_view srcpath, std::string_view tag,
+                const std::vector<std::string>& attrs = {});
+  /// Deletes item (one-based); later records move down one place.
+  void remove(unsigned item);
+  /// Deletes several items (one-based, any order, duplicates ignored) in one
+  /// pass: the cheap way to remove many records.
+  void removeItems(std::vector<unsigned> items);
+  /// Empties record i (zero-based) in place: strings "", no attributes;
+  /// type and mode stay.
+  void deleteItem(int i);
+  void clear();
+  /// Sorts by destination path in byte order; records with equal
+  /// destination paths keep their relative order.
+  void sort();
+  /// Prints "%s (%d items):\n" and every line on standard output.
+  void print() const;
+
+  // ---- Field edits (zero-based index; out of range does nothing)
+  void setType(int i, char type);
+  void setMode(int i, std::uint32_t mode);
+  void setOwner(int i, std::string_view owner);
+  void setGroup(int i, std::string_view group);
+  void setDstpath(int i, std::string_view dstpath);
+  void setSrcpath(int i, std::string_view srcpath);
+  void setTag(int i, std::string_view tag);
+
+  // ---- Attributes (one-based item; out of range does nothing)
+  /// Appends a copy of attr to the item's attributes.
+  void addAttribute(unsigned item, std::string_view attr);
+  /// Splits text at blanks outside quotes ('...' or "...") and not escaped
+  /// by a backslash, and appends each piece exactly as written.
+  void parseAttributes(unsigned item, std::string_view text);
+  /// Removes the user's attributes of the item and keeps the derived ones
+  /// (those containing "symval(" or "dev("), in their order, at the front.
+  void deleteAttributes(unsigned item);
+
+  /// Bytes held for strings, including values replaced since the last
+  /// open() or clear() (for benchmarks).
+  std::size_t storageBytes() const { return _arena.bytes(); }
+
+ private:
+  std::optional<std::string> parseLine(char* begin, char* end, bool newline);
+  std::optional<std::string> readBuffer(char* text, std::size_t size, const std::string& file);
+  std::optional<std::string> load(const std::string& file, const char* openFormat, bool withReason,
+                                  bool replace);
+  void splitAttributes(char* text, std::vector<const char*>& out) const;
+  void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
+  idb* record(int i);
+  void indexChanged() { _indexValid = false; }
+  void indexAdded(int i);
+
+  std::string _name;
+  std::vector<idb> _records;
+  std::string _sourceRoot;
+  TextArena _arena;
+  std::vector<const char*> _scratch;  // attributes of the line being read
+
+  // dstpath -> index of its first record; rebuilt lazily after removals,
+  // sorting or edits that could change which record comes first.
+  mutable std::unordered_map<std::string_view, int> _index;
+  mutable bool _indexValid = false;
+  mutable bool _indexUnique = true;  // no two records share a dstpath
+};
+
+#endif
