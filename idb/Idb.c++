@@ -10,13 +10,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <system_error>
+#include <thread>
 
 #include "util/AtomicFile.h"
 
 namespace {
 
-// Output is formatted into one buffer and handed to stdio in large pieces.
-constexpr std::size_t kFlushAt = 1 << 20;
+// From this size on, reading, sorting and writing share the work with a
+// helper thread (below it the thread costs more than it saves).
+constexpr std::size_t kParallelBytes = 4 << 20;
+constexpr std::size_t kParallelRecords = 50000;
 
 std::string readMessage(const std::string& file, const std::string& what, int line) {
   return "Couldn't read idb '" + file + "' (" + what + " on line " + std::to_string(line) + ").";
@@ -62,18 +66,25 @@ void appendOctal(std::string& out, std::uint32_t mode) {
   while (n) out += digits[--n];
 }
 
-void appendRecord(std::string& out, const idb& r) {
-  out += r.type();
-  out += ' ';
-  appendOctal(out, r.mode());
-  for (std::string_view f : {r.owner(), r.group(), r.dstpath(), r.srcpath(), r.tag()}) {
-    out += ' ';
-    out += f;
+int octalDigits(std::uint32_t mode) {
+  int n = 1;
+  while (mode >>= 3) ++n;
+  return n < 4 ? 4 : n;
+}
+
+// The mode field is read as strtol in base 8 reads it (sign, blanks, any
+// length), masked to 16 bits.  The usual plain digits are read directly;
+// canonical stays true only for what "%04o" would have written.
+std::uint16_t parseMode(const char* t, bool& canonical) {
+  std::uint32_t v = 0;
+  int n = 0;
+  for (; n < 7 && t[n] >= '0' && t[n] <= '7'; ++n) v = v * 8 + static_cast<std::uint32_t>(t[n] - '0');
+  if (t[n] != '\0' || n == 0 || n == 7) {
+    canonical = false;
+    return static_cast<std::uint16_t>(std::strtol(t, nullptr, 8) & 0xFFFF);
   }
-  for (int a = 0; a < r.nattrs(); ++a) {
-    out += ' ';
-    out += r.attr(a);
-  }
+  if (v > 0xFFFF || n < 4 || (n > 4 && t[0] == '0')) canonical = false;
+  return static_cast<std::uint16_t>(v & 0xFFFF);
 }
 
 bool isDerived(std::string_view attr) {
@@ -131,44 +142,84 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
   if (from != a) std::copy(from, from + n, a);
 }
 
+struct Range {
+  std::size_t begin, size;
+};
+
+// Adds the runs of equal keys in the sorted range r that still need the next
+// eight bytes to be told apart.
+void pushTies(const SortKey* keys, Range r, std::vector<Range>& work) {
+  const SortKey* a = keys + r.begin;
+  for (std::size_t i = 0; i < r.size;) {
+    std::size_t j = i + 1;
+    while (j < r.size && a[j].key == a[i].key) ++j;
+    // A key whose last byte is 0 holds the end of both paths: they are equal.
+    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
+    i = j;
+  }
+}
+
+// Orders every range of work, and the ties found in them, by the next bytes.
+void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
+  while (!work.empty()) {
+    Range r = work.back();
+    work.pop_back();
+    SortKey* a = keys + r.begin;
+    // The paths lie all over memory; fetching ahead hides the wait.
+    constexpr std::size_t kAhead = 16;
+    for (std::size_t i = 0; i < r.size; ++i) {
+      if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
+      a[i].path += 8;
+      a[i].key = keyAt(a[i].path);
+    }
+    radixSort(a, tmp + r.begin, r.size);
+    pushTies(keys, r, work);
+  }
+}
+
 std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::size_t n = records.size();
-  std::vector<SortKey> keys(n);
-  std::vector<SortKey> tmp(n);
+  // Keys and the radix sort's scratch space in one allocation, which the
+  // C library then gives back to the system as a whole when done.
+  std::vector<SortKey> space;
+  space.reserve(2 * n);
+  TextArena::preferLargePages(space.data(), 2 * n * sizeof(SortKey));
+  space.resize(2 * n);
+  SortKey* keys = space.data();
+  SortKey* tmp = keys + n;
   for (std::size_t i = 0; i < n; ++i) {
     const char* path = records[i].dstpath().data();
     keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
   }
+  radixSort(keys, tmp, n);
+  std::vector<Range> ties;
+  pushTies(keys, {0, n}, ties);
 
-  struct Range {
-    std::size_t begin, size;
-  };
-  std::vector<Range> work{{0, n}};
-  bool first = true;
-  while (!work.empty()) {
-    Range r = work.back();
-    work.pop_back();
-    SortKey* a = keys.data() + r.begin;
-    if (!first) {
-      // The ties of the previous round: fetch their next eight bytes.  The
-      // paths lie all over memory; fetching ahead hides the wait.
-      constexpr std::size_t kAhead = 16;
-      for (std::size_t i = 0; i < r.size; ++i) {
-        if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
-        a[i].path += 8;
-        a[i].key = keyAt(a[i].path);
-      }
-    }
-    first = false;
-    radixSort(a, tmp.data(), r.size);
-    for (std::size_t i = 0; i < r.size;) {
-      std::size_t j = i + 1;
-      while (j < r.size && a[j].key == a[i].key) ++j;
-      // A key whose last byte is 0 holds the end of both paths: they are equal.
-      if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
-      i = j;
+  // The runs of ties are independent of each other: a helper thread takes
+  // about half of them (by size).
+  std::vector<Range> helperShare;
+  if (n >= kParallelRecords) {
+    std::size_t total = 0;
+    for (const Range& r : ties) total += r.size;
+    std::size_t mine = 0;
+    std::size_t cut = 0;
+    while (cut < ties.size() && mine < total / 2) mine += ties[cut++].size;
+    helperShare.assign(ties.begin() + static_cast<std::ptrdiff_t>(cut), ties.end());
+    ties.resize(cut);
+  }
+  std::thread helper;
+  if (!helperShare.empty()) {
+    try {
+      helper = std::thread(refine, keys, tmp, helperShare);
+      helperShare.clear();
+    } catch (const std::system_error&) {
+      // No thread: all of it is done here.
     }
   }
+  refine(keys, tmp, std::move(ties));
+  refine(keys, tmp, std::move(helperShare));
+  if (helper.joinable()) helper.join();
+
   std::vector<std::uint32_t> order(n);
   for (std::size_t i = 0; i < n; ++i) order[i] = keys[i].index;
   return order;
@@ -257,9 +308,15 @@ void Idb::indexAdded(int i) {
 std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) {
   if (begin < end && *begin == '#') return std::nullopt;
   char* p = begin;
+  // Whether the line is exactly as the writer would write it: single blanks,
+  // a one-letter type, a canonical mode, nothing trailing.
+  bool tight = true;
   // Fields are separated by runs of blanks; each token is cut out in place.
-  auto token = [&p, end]() -> char* {
-    while (p < end && *p == ' ') ++p;
+  auto token = [&p, end, &tight]() -> char* {
+    if (p < end && *p == ' ') {
+      tight = false;
+      while (p < end && *p == ' ') ++p;
+    }
     if (p == end) return nullptr;
     char* t = p;
     while (p < end && *p != ' ') ++p;
@@ -274,8 +331,9 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
   }
   idb r;
   r._type = t[0];
+  tight = tight && t[1] == '\0';
   if (!(t = token())) return std::string("Expected mode in field 2");
-  r._mode = static_cast<std::uint32_t>(std::strtol(t, nullptr, 8)) & 0xFFFF;
+  r._mode = parseMode(t, tight);
   static const char* const kMissing[] = {"Expected owner in field 3", "Expected group in field 4",
                                          "Expected destination path in field 5",
                                          "Expected source path in field 6",
@@ -285,9 +343,12 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
     if (!(t = token())) return std::string(kMissing[f]);
     *fields[f] = t;
   }
+  if (p == end && p[-1] == '\0') tight = false;  // a blank after the tag and nothing more
   _scratch.clear();
-  if (p < end) splitAttributes(p, _scratch);
+  if (p < end) splitAttributes(p, _scratch, &tight);
   if (!_scratch.empty()) setAttributes(r, _scratch.data(), _scratch.size(), false);
+  std::size_t length = static_cast<std::size_t>(end - begin);
+  if (tight && length <= UINT32_MAX) r._lineLength = static_cast<std::uint32_t>(length);
   _records.push_back(r);
   indexAdded(count() - 1);
   return std::nullopt;
@@ -302,7 +363,7 @@ std::optional<std::string> Idb::read(std::string_view line) {
   return parseLine(text, text + line.size(), newline);
 }
 
-void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
+void Idb::splitAttributes(char* text, std::vector<const char*>& out, bool* tight) const {
   char* p = text;
   char* start = nullptr;
   while (*p) {
@@ -312,6 +373,8 @@ void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
         *p = '\0';
         out.push_back(start);
         start = nullptr;
+      } else if (tight) {
+        *tight = false;  // a blank that separates nothing
       }
       ++p;
       continue;
@@ -327,6 +390,7 @@ void Idb::splitAttributes(char* text, std::vector<const char*>& out) const {
     }
   }
   if (start) out.push_back(start);
+  else if (tight && p > text) *tight = false;  // ends in a blank
 }
 
 void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool keepOld) {
@@ -341,6 +405,7 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
     r._attrRoom = static_cast<std::uint32_t>(room);
   }
   if (n) std::copy(attrs, attrs + n, r._attrs + old);
+  r._lineLength = 0;
   r._nattrs = static_cast<std::int32_t>(total);
   if (!total) {
     r._attrs = nullptr;
@@ -348,27 +413,88 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
   }
 }
 
-std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
-  char* end = text + size;
-  char* nul = static_cast<char*>(std::memchr(text, '\0', size));
-  std::size_t lines = 0;
-  for (const char* p = text;
-       (p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p))));
-       ++p)
-    ++lines;
-  // Room for every line at once, still doubling when many small files come in.
-  std::size_t need = _records.size() + lines + 1;
-  if (need > _records.capacity()) _records.reserve(std::max(need, 2 * _records.capacity()));
-  int lineNo = 1;
+std::optional<std::string> Idb::parseLines(char* text, char* end, const char* nul, int firstLine,
+                                           int& badLine) {
+  int lineNo = firstLine;
   for (char* p = text; p < end; ++lineNo) {
     char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
     char* lineEnd = nl ? nl : end;
-    if (nul && nul < lineEnd) return readMessage(file, "Unexpected NUL byte", lineNo);
-    if (nl) *nl = '\0';
-    if (auto message = parseLine(p, lineEnd, nl != nullptr))
-      return readMessage(file, *message, lineNo);
+    std::optional<std::string> message;
+    if (nul && nul >= p && nul < lineEnd) {
+      message = "Unexpected NUL byte";
+    } else {
+      if (nl) *nl = '\0';
+      message = parseLine(p, lineEnd, nl != nullptr);
+    }
+    if (message) {
+      badLine = lineNo;
+      return message;
+    }
     p = nl ? nl + 1 : end;
   }
+  return std::nullopt;
+}
+
+void Idb::reserveRecords(std::size_t more) {
+  // Room for every line at once, still doubling when many small files come in.
+  std::size_t need = _records.size() + more;
+  if (need <= _records.capacity()) return;
+  _records.reserve(std::max(need, 2 * _records.capacity()));
+  TextArena::preferLargePages(_records.data() + _records.size(),
+                              (_records.capacity() - _records.size()) * sizeof(idb));
+}
+
+std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
+  char* end = text + size;
+  const char* nul = static_cast<const char*>(std::memchr(text, '\0', size));
+  auto countLines = [](const char* from, const char* to) {
+    std::size_t n = 0;
+    while ((from = static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(to - from)))))
+      ++n, ++from;
+    return n;
+  };
+  // A large file is read in two halves at once, the second by a helper
+  // thread into a database of its own, which is then put behind the first.
+  char* split = nullptr;
+  if (size >= kParallelBytes) {
+    split = static_cast<char*>(std::memchr(text + size / 2, '\n', size - size / 2));
+    if (split) ++split;
+  }
+  int badLine = 0;
+  if (!split) {
+    reserveRecords(countLines(text, end) + 1);
+    if (auto message = parseLines(text, end, nul, 1, badLine))
+      return readMessage(file, *message, badLine);
+    return std::nullopt;
+  }
+  std::size_t firstLines = countLines(text, split);
+  std::size_t secondLines = countLines(split, end) + 1;
+  reserveRecords(firstLines + secondLines);
+  Idb second;
+  second.reserveRecords(secondLines);
+  std::optional<std::string> secondMessage;
+  int secondBad = 0;
+  auto parseSecond = [&]() {
+    secondMessage = second.parseLines(split, end, nul, static_cast<int>(firstLines) + 1, secondBad);
+  };
+  bool helped = false;
+  std::thread helper;
+  try {
+    helper = std::thread(parseSecond);
+    helped = true;
+  } catch (const std::system_error&) {
+    // No thread to be had: the second half waits its turn below.
+  }
+  auto message = parseLines(text, split, nul, 1, badLine);
+  if (helped) helper.join();
+  if (message) return readMessage(file, *message, badLine);
+  if (!helped) parseSecond();
+  for (const idb& r : second._records) {
+    _records.push_back(r);
+    indexAdded(count() - 1);
+  }
+  _arena.adopt(second._arena);
+  if (secondMessage) return readMessage(file, *secondMessage, secondBad);
   return std::nullopt;
 }
 
@@ -391,6 +517,7 @@ std::optional<std::string> Idb::load(const std::string& file, const char* openFo
   char* text = nullptr;
   TextArena incoming;
   bool regular = fstat(fileno(f), &st) == 0 && S_ISREG(st.st_mode);
+  errno = 0;
   if (regular) {
     std::size_t want = static_cast<std::size_t>(st.st_size);
     text = incoming.buffer(want);
@@ -403,9 +530,11 @@ std::optional<std::string> Idb::load(const std::string& file, const char* openFo
   if (err) return openFailure(err);
   if (!extra.empty() || !text) {
     // The file grew while it was read, or it is not a regular file.
-    char* joined = incoming.buffer(size + extra.size());
+    TextArena whole;
+    char* joined = whole.buffer(size + extra.size());
     if (size) std::memcpy(joined, text, size);
     if (!extra.empty()) std::memcpy(joined + size, extra.data(), extra.size());
+    incoming = whole;  // drops the first, partial buffer
     text = joined;
     size += extra.size();
     joined[size] = '\0';
@@ -436,33 +565,89 @@ std::optional<std::string> Idb::readText(std::string_view text, const std::strin
 
 // ---- Writing
 
+void Idb::appendLine(std::string& out, const idb& r) {
+  if (std::size_t lineLength = r._lineLength) {
+    // The record still lies in its line as the writer would format it: copy
+    // the line and put back the blanks where the reader cut the fields.
+    const char* line = r._owner - octalDigits(r._mode) - 3;
+    std::size_t at = out.size();
+    out.append(line, lineLength);
+    char* o = &out[at];
+    o[1] = ' ';
+    for (const char* f : {r._owner, r._group, r._dstpath, r._srcpath, r._tag}) o[f - line - 1] = ' ';
+    for (int a = 0; a < r._nattrs; ++a) o[r._attrs[a] - line - 1] = ' ';
+    return;
+  }
+  out += r.type();
+  out += ' ';
+  appendOctal(out, r.mode());
+  for (std::string_view f : {r.owner(), r.group(), r.dstpath(), r.srcpath(), r.tag()}) {
+    out += ' ';
+    out += f;
+  }
+  for (int a = 0; a < r.nattrs(); ++a) {
+    out += ' ';
+    out += r.attr(a);
+  }
+}
+
+
+void Idb::formatLines(std::string& out, std::size_t from, std::size_t to) const {
+  out.clear();
+  constexpr std::size_t kAhead = 8;
+  for (std::size_t i = from; i < to; ++i) {
+    // After sorting, consecutive records point all over the text: fetch the
+    // fields of a later line while this one is formatted.
+    if (i + kAhead < to) {
+      const char* ahead = _records[i + kAhead]._owner;
+      __builtin_prefetch(ahead);
+      __builtin_prefetch(ahead + 64);
+      __builtin_prefetch(ahead + 128);
+    }
+    appendLine(out, _records[i]);
+    out += '\n';
+  }
+}
+
 int Idb::save(const std::string& file) {
   std::string target = file.empty() ? _name : file;
   if (target.empty()) return ENOENT;
   AtomicFile out(target);
   if (int err = out.open()) return err;
   sort();
-  std::string buf;
-  buf.reserve(kFlushAt + 4096);
-  constexpr std::size_t kAhead = 8;
-  for (std::size_t i = 0; i < _records.size(); ++i) {
-    // After sorting, consecutive records point all over the text: fetch the
-    // fields of a later line while this one is formatted.
-    if (i + kAhead < _records.size()) {
-      const char* ahead = _records[i + kAhead]._owner;
-      __builtin_prefetch(ahead);
-      __builtin_prefetch(ahead + 64);
-      __builtin_prefetch(ahead + 128);
+
+  // Lines are formatted in pieces of kChunk records; for a large database a
+  // helper thread formats every second piece while this one writes.
+  constexpr std::size_t kChunk = 8192;
+  std::size_t n = _records.size();
+  bool parallel = n >= kParallelRecords;
+  std::string mine, theirs;
+  auto emit = [&out](const std::string& text) {
+    return text.empty() || std::fwrite(text.data(), 1, text.size(), out.stream()) == text.size();
+  };
+  for (std::size_t at = 0; at < n;) {
+    std::size_t mid = std::min(at + kChunk, n);
+    std::size_t stop = std::min(mid + kChunk, n);
+    std::thread helper;
+    if (parallel && mid < stop) {
+      try {
+        helper = std::thread([this, &theirs, mid, stop]() { formatLines(theirs, mid, stop); });
+      } catch (const std::system_error&) {
+        parallel = false;
+      }
     }
-    appendRecord(buf, _records[i]);
-    buf += '\n';
-    if (buf.size() >= kFlushAt) {
-      if (std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size()) return errno ? errno : EIO;
-      buf.clear();
+    formatLines(mine, at, mid);
+    bool ok = emit(mine);
+    int err = errno;
+    if (helper.joinable()) helper.join();
+    else formatLines(theirs, mid, stop);
+    if (ok) {
+      ok = emit(theirs);
+      err = errno;
     }
+    if (!ok) return err ? err : EIO;
+    at = stop;
   }
-  if (!buf.empty() && std::fwrite(buf.data(), 1, buf.size(), out.stream()) != buf.size())
-    return errno ? errno : EIO;
   if (int err = out.commit()) return err;
   if (_name.empty()) _name = target;
   return 0;
@@ -471,7 +656,7 @@ int Idb::save(const std::string& file) {
 void Idb::write(std::string& buf, unsigned i) const {
   if (i >= _records.size()) return;
   buf.clear();
-  appendRecord(buf, _records[i]);
+  appendLine(buf, _records[i]);
 }
 
 std::string Idb::line(int i) const {
@@ -522,7 +707,7 @@ int Idb::addRecord(char type, std::uint32_t mode, std::string_view owner, std::s
                    const std::vector<std::string>& attrs) {
   idb r;
   r._type = type;
-  r._mode = mode & 0xFFFF;
+  r._mode = static_cast<std::uint16_t>(mode & 0xFFFF);
   r._owner = _arena.copy(owner);
   r._group = _arena.copy(group);
   r._dstpath = _arena.copy(dstpath);
@@ -560,7 +745,7 @@ void Idb::deleteItem(int i) {
   idb* r = record(i);
   if (!r) return;
   char t = r->_type;
-  std::uint32_t mode = r->_mode;
+  std::uint16_t mode = r->_mode;
   *r = idb();
   r->_type = t;
   r->_mode = mode;
@@ -579,11 +764,14 @@ void Idb::clear() {
 void Idb::sort() {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
-  // Gathered into a new array: the reads jump about, so the next ones are
-  // fetched ahead while the current one is copied.
+  // Gathered into a new array: the reads jump about, but their order is
+  // known in advance, so the records are fetched well before they are
+  // copied.  (Following the permutation's cycles in place would save the
+  // second array but waits on memory at every step.)
   std::vector<idb> sorted;
   sorted.reserve(_records.capacity());
-  constexpr std::size_t kAhead = 8;
+  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
+  constexpr std::size_t kAhead = 16;
   for (std::size_t j = 0; j < order.size(); ++j) {
     if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
     sorted.push_back(_records[order[j]]);
@@ -595,27 +783,45 @@ void Idb::sort() {
 // ---- Field edits
 
 void Idb::setType(int i, char t) {
-  if (idb* r = record(i)) r->_type = t;
+  if (idb* r = record(i)) {
+    r->_type = t;
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setMode(int i, std::uint32_t mode) {
-  if (idb* r = record(i)) r->_mode = mode & 0xFFFF;
+  if (idb* r = record(i)) {
+    r->_mode = static_cast<std::uint16_t>(mode & 0xFFFF);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setOwner(int i, std::string_view owner) {
-  if (idb* r = record(i)) r->_owner = _arena.copy(owner);
+  if (idb* r = record(i)) {
+    r->_owner = _arena.copy(owner);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setGroup(int i, std::string_view group) {
-  if (idb* r = record(i)) r->_group = _arena.copy(group);
+  if (idb* r = record(i)) {
+    r->_group = _arena.copy(group);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setSrcpath(int i, std::string_view srcpath) {
-  if (idb* r = record(i)) r->_srcpath = _arena.copy(srcpath);
+  if (idb* r = record(i)) {
+    r->_srcpath = _arena.copy(srcpath);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setTag(int i, std::string_view tag) {
-  if (idb* r = record(i)) r->_tag = _arena.copy(tag);
+  if (idb* r = record(i)) {
+    r->_tag = _arena.copy(tag);
+    r->_lineLength = 0;
+  }
 }
 
 void Idb::setDstpath(int i, std::string_view dstpath) {
@@ -623,6 +829,7 @@ void Idb::setDstpath(int i, std::string_view dstpath) {
   if (!r) return;
   std::string_view old = r->dstpath();
   r->_dstpath = _arena.copy(dstpath);
+  r->_lineLength = 0;
   if (!_indexValid) return;
   auto it = _index.find(old);
   if (it != _index.end() && it->second == i) {

@@ -18,13 +18,14 @@
 // - Numbering is deliberately mixed: operator[], the setters, deleteItem and
 //   write take a ZERO-based index; addAttribute, deleteAttributes, remove and
 //   parseAttributes take a ONE-based item number (item n is index n-1).
-// - Record pointers and string views stay valid until the next call that
-//   adds or removes records (read, add, addRecord, append, open, remove,
-//   operator=, clear); views of field values stay valid as long as the Idb
-//   (or a copy made with operator=) lives, even after the field is set anew.
-//   Every view is NUL-terminated, so view.data() may be used as a C string.
-// - Values are stored as given; the caller keeps blanks and newlines out of
-//   fields (they would not read back as the same record).
+// - Record pointers stay valid until the next call that adds, removes or
+//   reorders records (read, readText, add, addRecord, append, open, remove,
+//   removeItems, sort, save, operator=, clear).  Views of field values stay
+//   valid, even after the field is set anew, until open(), clear() or
+//   operator= on this Idb or its end, and as long as a copy made with
+//   operator= still holds them.  Every view is NUL-terminated: view.data() is a C string.
+// - Values are stored as given (up to a NUL); the caller keeps blanks and
+//   newlines out of fields (they would not read back as the same record).
 #ifndef TAMBLIN_IDB_IDB_H
 #define TAMBLIN_IDB_IDB_H
 
@@ -69,9 +70,13 @@ class idb {
   const char* _srcpath = "";
   const char* _tag = "";
   const char** _attrs = nullptr;  // _nattrs used, _attrRoom allocated
-  std::uint32_t _mode = 0;
   std::int32_t _nattrs = 0;
   std::uint32_t _attrRoom = 0;
+  // Length of the line this record was read from when that line is exactly
+  // what the writer would produce (its fields still lie in it, cut apart by
+  // NULs); 0 once the record is edited or when it was read otherwise.
+  std::uint32_t _lineLength = 0;
+  std::uint16_t _mode = 0;
   char _type = 'f';
 };
 
@@ -182,10 +187,15 @@ class Idb {
  private:
   std::optional<std::string> parseLine(char* begin, char* end, bool newline);
   std::optional<std::string> readBuffer(char* text, std::size_t size, const std::string& file);
+  std::optional<std::string> parseLines(char* text, char* end, const char* nul, int firstLine,
+                                        int& badLine);
+  void reserveRecords(std::size_t more);
   std::optional<std::string> load(const std::string& file, const char* openFormat, bool withReason,
                                   bool replace);
-  void splitAttributes(char* text, std::vector<const char*>& out) const;
+  void splitAttributes(char* text, std::vector<const char*>& out, bool* tight = nullptr) const;
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
+  static void appendLine(std::string& out, const idb& r);
+  void formatLines(std::string& out, std::size_t from, std::size_t to) const;
   idb* record(int i);
   void indexChanged() { _indexValid = false; }
   void indexAdded(int i);

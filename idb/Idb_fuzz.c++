@@ -60,8 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   check(sorted.count() == again.count());
   for (int i = 1; i < sorted.count(); ++i) check(sorted[i - 1]->dstpath() <= sorted[i]->dstpath());
   for (int i = 0; i < sorted.count(); ++i) {
-    int first = sorted.findIndex(sorted[i]->dstpath());
-    check(first >= 0 && first <= i && sorted[first]->dstpath() == sorted[i]->dstpath());
+    int firstAt = sorted.findIndex(sorted[i]->dstpath());
+    check(firstAt >= 0 && firstAt <= i && sorted[firstAt]->dstpath() == sorted[i]->dstpath());
   }
   for (int i = 1; i <= sorted.count(); ++i) sorted.deleteAttributes(static_cast<unsigned>(i));
   check(written(again) == first);  // the copy it came from is untouched

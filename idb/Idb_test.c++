@@ -8,6 +8,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -57,6 +58,17 @@ TEST(IdbReadTest, FieldsOfOneLine) {
       {"file   644  bin  staff  a   b   t   x  y\n", 'f', 0644, "bin", "a", "t", {"x", "y"},
        "f 0644 bin staff a b t x y"},
       {"f 10755 root sys a b t", 'f', 0x11ED, "root", "a", "t", {}, "f 10755 root sys a b t"},
+      // Single blanks, but not the written form all the same.
+      {"file 0644 bin staff a b t x", 'f', 0644, "bin", "a", "t", {"x"}, "f 0644 bin staff a b t x"},
+      {"f 644 bin staff a b t", 'f', 0644, "bin", "a", "t", {}, "f 0644 bin staff a b t"},
+      {"f 00644 bin staff a b t", 'f', 0644, "bin", "a", "t", {}, "f 0644 bin staff a b t"},
+      {"f 0644 bin staff a b t x ", 'f', 0644, "bin", "a", "t", {"x"}, "f 0644 bin staff a b t x"},
+      {"f 0644 bin staff a b t  x", 'f', 0644, "bin", "a", "t", {"x"}, "f 0644 bin staff a b t x"},
+      {"f +644 bin staff a b t", 'f', 0644, "bin", "a", "t", {}, "f 0644 bin staff a b t"},
+      {"f -1 bin staff a b t", 'f', 0xFFFF, "bin", "a", "t", {}, "f 177777 bin staff a b t"},
+      {"f 377777 bin staff a b t", 'f', 0xFFFF, "bin", "a", "t", {}, "f 177777 bin staff a b t"},
+      {"f 7777777777777777777777777 bin staff a b t", 'f', 0xFFFF, "bin", "a", "t", {},
+       "f 177777 bin staff a b t"},
       {"f abc root sys a b t", 'f', 0, "root", "a", "t", {}, "f 0000 root sys a b t"},
       {"f 7 root sys a b t", 'f', 7, "root", "a", "t", {}, "f 0007 root sys a b t"},
       {"f 1777777 root sys a b t", 'f', 0xFFFF, "root", "a", "t", {}, "f 177777 root sys a b t"},
@@ -326,6 +338,94 @@ TEST(IdbFileTest, OpenAndAppendMessages) {
   EXPECT_TRUE(db.open(bad));
   EXPECT_EQ(bad, db.name());
   EXPECT_EQ((std::vector<std::string>{"b"}), dsts(db));
+}
+
+TEST(IdbFileTest, LargeFilesMatchLineByLineReading) {
+  // Big enough for the reader, the sort and the writer to share work with a
+  // helper thread; the result must not differ from one line at a time.
+  std::mt19937 rng(3);
+  std::string text;
+  std::vector<std::string> expected;  // written form, in file order
+  const int kLines = 64000;
+  for (int i = 0; i < kLines; ++i) {
+    std::string dst = "usr/share/tamblin/dir" + std::to_string(rng() % 97) + "/file" +
+                      std::to_string(rng() % 5000);  // duplicates on purpose
+    std::string src = "src/" + std::to_string(i);
+    if (i % 1000 == 0) text += "# comment " + std::to_string(i) + "\n\n";
+    if (i % 3 == 0) {
+      text += "f   644 root sys " + dst + " " + src + " t.sw.base  config(noupdate)\n";
+      expected.push_back("f 0644 root sys " + dst + " " + src + " t.sw.base config(noupdate)");
+    } else {
+      text += "l 0777 bin bin " + dst + " " + src + " t.sw.lib symval(x) 'a b'\n";
+      expected.push_back("l 0777 bin bin " + dst + " " + src + " t.sw.lib symval(x) 'a b'");
+    }
+  }
+  ASSERT_GT(text.size(), 4u << 20);
+
+  Idb db;
+  ASSERT_FALSE(db.readText(text));
+  ASSERT_EQ(expected, lines(db));
+  Idb oneByOne;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    std::size_t nl = text.find('\n', at);
+    ASSERT_FALSE(oneByOne.read(text.substr(at, nl + 1 - at)));
+    at = nl + 1;
+  }
+  ASSERT_EQ(expected, lines(oneByOne));
+
+  std::stable_sort(expected.begin(), expected.end(), [](const std::string& a, const std::string& b) {
+    auto dstOf = [](const std::string& l) {
+      std::size_t p = 0;
+      for (int f = 0; f < 4; ++f) p = l.find(' ', p) + 1;
+      return l.substr(p, l.find(' ', p) - p);
+    };
+    return dstOf(a) < dstOf(b);
+  });
+  TempDir dir;
+  ASSERT_EQ(0, db.save(dir.file("big.idb")));
+  std::string joined;
+  for (const std::string& l : expected) joined += l + "\n";
+  EXPECT_EQ(joined, dir.read("big.idb"));
+
+  // Bad lines in either half: the message names the right line, and the
+  // records before it are kept.
+  std::size_t firstHalf = text.find("\nl 0777", text.size() / 4) + 1;
+  std::size_t secondHalf = text.find("\nl 0777", text.size() * 3 / 4) + 1;
+  for (std::size_t cut : {firstHalf, secondHalf}) {
+    Idb before;
+    ASSERT_FALSE(before.readText(text.substr(0, cut)));
+    for (const std::string& bad : {std::string("f 0644 root\n"), std::string("f 0644 r\0t sys a b t\n", 22)}) {
+      std::string broken = text.substr(0, cut) + bad + text.substr(cut);
+      int line = 1 + static_cast<int>(std::count(broken.begin(), broken.begin() + cut, '\n'));
+      Idb partial;
+      auto message = partial.readText(broken, "big.idb");
+      std::string what = bad.size() > 12 ? "Unexpected NUL byte" : "Expected group in field 4";
+      EXPECT_EQ("Couldn't read idb 'big.idb' (" + what + " on line " + std::to_string(line) + ").",
+                message.value_or(""));
+      EXPECT_EQ(lines(before), lines(partial));
+    }
+  }
+}
+
+TEST(IdbFileTest, ReadsFromPipes) {
+  TempDir dir;
+  std::string fifo = dir.file("pipe.idb");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  std::string text;
+  for (int i = 0; i < 3000; ++i) text += "f 0644 root sys d" + std::to_string(i) + " s t\n";
+  std::thread writer([&]() {
+    std::FILE* f = std::fopen(fifo.c_str(), "w");
+    if (!f) return;
+    std::fwrite(text.data(), 1, text.size(), f);
+    std::fclose(f);
+  });
+  Idb db;
+  auto message = db.open(fifo);
+  writer.join();
+  EXPECT_FALSE(message);
+  ASSERT_EQ(3000, db.count());
+  EXPECT_EQ("f 0644 root sys d2999 s t", db.line(2999));
 }
 
 // ---- Editing

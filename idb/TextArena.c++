@@ -1,5 +1,7 @@
 #include "idb/TextArena.h"
 
+#include <sys/mman.h>
+
 #include <cstdint>
 #include <cstring>
 
@@ -56,6 +58,7 @@ const char** TextArena::pointers(std::size_t n) {
 
 char* TextArena::buffer(std::size_t n) {
   std::shared_ptr<char[]> big(new char[n + 1]);
+  preferLargePages(big.get(), n + 1);
   _chunks.push_back(big);
   _bytes += n + 1;
   big[n] = '\0';
@@ -74,4 +77,14 @@ void TextArena::adopt(TextArena& other) {
   _chunks.insert(_chunks.end(), other._chunks.begin(), other._chunks.end());
   _bytes += other._bytes;
   other.clear();
+}
+
+void TextArena::preferLargePages(void* p, std::size_t n) {
+  constexpr std::uintptr_t kLarge = 2 << 20;
+  if (n < 2 * kLarge) return;
+  std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(p) + kLarge - 1) & ~(kLarge - 1);
+  std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(p) + n) & ~(kLarge - 1);
+#ifdef MADV_HUGEPAGE
+  if (end > begin) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
 }

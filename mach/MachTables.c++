@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 
 const char* const kMachFile = "/var/vessa/machfile";
 
@@ -177,9 +178,8 @@ class Tokens {
 const char* const kBlanks = " \t";
 const char* const kBlanksNewline = " \t\n";
 
-// A decimal integer as the installer reads it: leading sign and digits,
-// anything else ends it; no digits gives 0.  Out-of-range values saturate
-// instead of wrapping.
+// A decimal integer read leniently: a sign and digits, anything else ends
+// it, no digits gives 0.  Out-of-range values saturate instead of wrapping.
 std::int32_t toInt(const std::string& token) {
   long long v = std::strtoll(token.c_str(), nullptr, 10);
   if (v > INT32_MAX) return INT32_MAX;
@@ -203,7 +203,7 @@ std::vector<std::string> getMachList(const std::string& file) {
   std::FILE* in = std::fopen(file.c_str(), "r");
   if (!in) return builtinMachList();
   // A read error (a directory, an I/O failure) ends the file where it
-  // happens, as it does for the installer.
+  // happens; what was read before it counts.
   std::string text;
   char buf[8192];
   for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, in)) > 0;) text.append(buf, n);
