@@ -16,10 +16,11 @@
 #include "app/ui/FileListAttrsUI.h"
 #include "app/ui/FileListPermsUI.h"
 #include "app/ui/FileListTagsUI.h"
-#include "app/ui/FileListUI.h"
 #include "app/ui/GenerateUI.h"
 #include "app/ui/SpecDetailUI.h"
 #include "app/ui/SpecGraphUI.h"
+#include "filelist/FileList.h"
+#include "filelist/FileListModel.h"
 #include "app/ViewReporter.h"
 #include "ov/OvGrid.h"
 #include "yr/YrMenuItem.h"
@@ -93,6 +94,8 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtD
   createTabPanel();
   createPanels();
   colourMessageLog();
+  _fileList->model().initSourceRoot();
+  _fileList->model().initDestRoot();
 }
 
 View::~View() {
@@ -143,7 +146,13 @@ void View::createPanels() {
     bool attach;  // the body is a form: fill it
   };
   const Place places[] = {
-      {[this] { return new FileListUI("FileList", _rightFrame); }, false},
+      {[this] {
+         auto* list = new FileList("FileList", _rightFrame, *this);
+         _fileList = list;
+         _idb = list;
+         return list;
+       },
+       false},
       {[this] { return new FileListTagsUI("FileListTags", _tagsBody); }, true},
       {[this] { return new SpecGraphUI("SpecGraph", _specBody); }, false},
       {[this] { return new SpecDetailUI("SpecDetail", _rightForm); }, true},

@@ -18,6 +18,7 @@
 #include "app/ui/ViewUI.h"
 #include "util/Reporter.h"
 
+class FileList;
 class IdbDocument;
 class SpecDocument;
 class YrMenuItem;
@@ -64,8 +65,8 @@ class View : public ViewUI {
   SpecDocument* specDocument() const { return _spec; }
   void setSpecDocument(SpecDocument* spec) { _spec = spec; }
 
-  /// The idb being edited (the file list panel; null until it is there);
-  /// not owned.
+  /// The idb being edited: the file list panel, unless a test puts
+  /// another in its place; not owned.
   IdbDocument* idbDocument() const { return _idb; }
   void setIdbDocument(IdbDocument* idb) { _idb = idb; }
 
@@ -102,6 +103,7 @@ class View : public ViewUI {
   YrMenuItem* _createPatchItem = nullptr;
   SpecDocument* _spec = nullptr;
   IdbDocument* _idb = nullptr;
+  FileList* _fileList = nullptr;  // one of _panels
   std::unique_ptr<Reporter> _reporter;
   // Panels shown in the work area, in creation order.
   std::vector<std::unique_ptr<class YrComponent>> _panels;
