@@ -278,4 +278,18 @@ TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
   EXPECT_EQ((std::vector<std::string>{"tool.sw.lib src/b"}), lines());
 }
 
+TEST_F(FileListTest, DoubleClickWithSourcesMissingSelectsAndNamesThem) {
+  setView(1);
+  openThree();  // src/a, src/b, src/c exist under no source root here
+  XmListCallbackStruct cbs{};
+  cbs.reason = XmCR_DEFAULT_ACTION;
+  cbs.item_position = 2;
+  XtCallCallbacks(widget("fileList"), XmNdefaultActionCallback, &cbs);
+  EXPECT_TRUE(getTheErrorDialog()->isPosted());
+  EXPECT_EQ("No files found under Source Root " + list->model().sourceRoot() + ".",
+            getTheErrorDialog()->message());
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), list->listView().selection());
+}
+
 }  // namespace
