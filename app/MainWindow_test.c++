@@ -76,11 +76,13 @@ class MainWindowTest : public ::testing::Test {
     window->setTitle("Tamblin");
     window->show();
     UiTestApp::flush();
+    YrDialogManager::setWaitLimit(5000);  // a forgotten answer fails, not hangs
   }
   void TearDown() override {
     window.reset();
     app.reset();
     YrDialogManager::clearResponders();
+    YrDialogManager::setWaitLimit(0);
     UiTestApp::flush();
   }
   void choose(const char* path) {
@@ -224,6 +226,7 @@ TEST_F(MainWindowTest, ViewTogglesShowAndHideTheMessageArea) {
 }
 
 TEST_F(MainWindowTest, EntriesWithoutTheirPanelSaySoInTheLog) {
+  window->view()->setIdbDocument(nullptr);
   window->view()->hideMessages();
   choose("File/Open/Idb");
   EXPECT_TRUE(window->view()->messagesShown());

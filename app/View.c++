@@ -13,7 +13,7 @@
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/ui/FileListUI.h"
-#include "app/ui/GenerateUI.h"
+#include "filelist/FileList.h"
 #include "app/ViewReporter.h"
 #include "filelist/FileListTags.h"
 #include "filelist/FileListAdd.h"
@@ -95,6 +95,8 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtD
   createTabPanel();
   createPanels();
   colourMessageLog();
+  _fileListPanel->model().initSourceRoot();
+  _fileListPanel->model().initDestRoot();
 }
 
 View::~View() {
@@ -146,7 +148,14 @@ void View::createPanels() {
     bool attach;  // the body is a form: fill it
   };
   const Place places[] = {
-      {[this] { return new FileListUI("FileList", _rightFrame); }, false},
+      {[this] {
+         auto* list = new FileList("FileList", _rightFrame, *this);
+         _fileListPanel = list;
+         _fileList = &list->model();
+         _idb = list;
+         return list;
+       },
+       false},
       {[&] { return _tagsPanel = new FileListTags("FileListTags", _tagsBody, reporter); }, true},
       {[&] { return _specGraph = new SpecGraph("SpecGraph", _specBody, reporter); }, false},
       {[&] { return _specDetail = new SpecDetail("SpecDetail", _rightForm, reporter); }, true},

@@ -24,6 +24,7 @@ class FileListAttrs;
 class FileListModel;
 class FileListPerms;
 class Generate;
+class FileList;
 class IdbDocument;
 class SpecDetail;
 class SpecGraph;
@@ -72,8 +73,8 @@ class View : public ViewUI {
   SpecDocument* specDocument() const { return _spec; }
   void setSpecDocument(SpecDocument* spec) { _spec = spec; }
 
-  /// The idb being edited (the file list panel; null until it is there);
-  /// not owned.
+  /// The idb being edited: the file list panel, unless a test puts
+  /// another in its place; not owned.
   IdbDocument* idbDocument() const { return _idb; }
   void setIdbDocument(IdbDocument* idb) { _idb = idb; }
 
@@ -133,6 +134,7 @@ class View : public ViewUI {
   YrMenuItem* _createPatchItem = nullptr;
   SpecDocument* _spec = nullptr;
   IdbDocument* _idb = nullptr;
+  FileList* _fileListPanel = nullptr;  // one of _panels
   std::unique_ptr<Reporter> _reporter;
   FileListAdd* _addPanel = nullptr;
   FileListPerms* _permsPanel = nullptr;

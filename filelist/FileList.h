@@ -1,0 +1,80 @@
+// FileList: the panel of the idb being edited.  The list shows the file
+// list model's lines for the current tab and mirrors its selection both
+// ways; the filter field, All, None, Delete Selected Items, Undo Last
+// Operation and the list's double click act on the model.  The main
+// window's idb menu entries arrive here (IdbDocument), and the model reaches
+// the user through the view's reporter, the shared file selection dialog
+// and the application's busy state.
+#ifndef TAMBLIN_FILELIST_FILELIST_H
+#define TAMBLIN_FILELIST_FILELIST_H
+
+#include <memory>
+#include <string>
+
+#include "app/IdbDocument.h"
+#include "app/ui/FileListUI.h"
+#include "filelist/BusyIndicator.h"
+#include "filelist/FileListDisplay.h"
+#include "filelist/FileNamePrompt.h"
+#include "filelist/ListView.h"
+
+class FileListModel;
+class View;
+
+class FileList : public FileListUI,
+                 public IdbDocument,
+                 public FileListDisplay,
+                 public FileNamePrompt,
+                 public BusyIndicator {
+ public:
+  /// view must outlive the panel.
+  FileList(const char* name, Widget parent, View& view);
+  ~FileList() override;
+  const char* className() const override { return "FileList"; }
+
+  FileListModel& model() { return *_model; }
+  ListView& listView() { return _listView; }
+
+  // The idb menu entries.
+  void clear() override;
+  int abandonChanges() override;
+  int open(const char* fileName) override;
+  /// Appends fileName's records.
+  int read(const char* fileName);
+  int showOpenBrowser() override;
+  int showReadBrowser() override;
+  int showSaveBrowser() override;
+  int save(const char* fileName) override;
+  int recordCount() override;
+  /// Lines for the view's current tab.
+  void refresh() override;
+
+  // What the model shows through the panel.
+  void linesChanged() override;
+  void selectionChanged() override;
+  void showLastLine() override;
+  void fileNameChanged(const std::string& label) override;
+  bool askFileName(const std::string& title, const std::string& filter,
+                   const std::string& proposed, std::string* chosen) override;
+  void busy() override;
+  void notBusy() override;
+
+ protected:
+  void allPushButton(Widget, XtPointer callData) override;
+  void nonePushButton(Widget, XtPointer callData) override;
+  void selectionTextField(Widget, XtPointer callData) override;
+  void removePushButton(Widget, XtPointer callData) override;
+  void undoPushButton(Widget, XtPointer callData) override;
+  void defaultAction(Widget, XtPointer callData) override;
+
+ private:
+  static void listSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
+  void listSelection(XtPointer callData);
+
+  View& _view;
+  std::unique_ptr<FileListModel> _model;
+  ListView _listView;
+  bool _selectionFromList = false;
+};
+
+#endif

@@ -1,0 +1,295 @@
+#include <gtest/gtest.h>
+
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/TextF.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/MainWindow.h"
+#include "app/MyApp.h"
+#include "app/View.h"
+#include "filelist/FileList.h"
+#include "filelist/FileListModel.h"
+#include "util/TempDir.h"
+#include "util/UiTestApp.h"
+#include "yr/YrDialogManager.h"
+#include "yr/YrFileSelectionDialog.h"
+#include "yr/YrMenuItem.h"
+
+namespace {
+
+const char kThree[] =
+    "f 0644 root sys usr/bin/a src/a tool.sw.base\n"
+    "f 0755 bin bin usr/bin/b src/b tool.sw.lib config(noupdate)\n"
+    "d 0755 root sys usr/lib/c src/c other.sw.base\n";
+
+// The whole main window, driven through its menus, buttons and dialogs.
+class FileListTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    int argc = 1;
+    char name[] = "tamblin";
+    char* argv[] = {name, nullptr};
+    app = std::make_unique<MyApp>("Tamblin", UiTestApp::context(), UiTestApp::display(), &argc,
+                                  argv, "ORVEX_TAMBLIN");
+    window = std::make_unique<MainWindow>("tamblin");
+    window->initialize();
+    window->show();
+    UiTestApp::flush();
+    YrDialogManager::setWaitLimit(5000);
+    list = dynamic_cast<FileList*>(window->view()->idbDocument());
+    ASSERT_NE(nullptr, list);
+  }
+  void TearDown() override {
+    EXPECT_EQ(0u, YrDialogManager::pendingResponders());
+    YrDialogManager::clearResponders();
+    YrDialogManager::setWaitLimit(0);
+    window.reset();
+    app.reset();
+    UiTestApp::flush();
+  }
+
+  void choose(const char* path) {
+    YrMenuItem* item = window->menuItem(path);
+    ASSERT_NE(nullptr, item) << path;
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(item->baseWidget(), XmNactivateCallback, &cbs);
+  }
+  // The next file selection dialog picks file (or is cancelled for "").
+  void answerFileDialog(const std::string& file, std::string* proposed = nullptr) {
+    YrDialogManager::queueResponder([file, proposed](YrDialogManager& d) {
+      auto& fsb = static_cast<YrFileSelectionDialog&>(d);
+      if (proposed) *proposed = fsb.selection();
+      if (file.empty()) return fsb.press(YrDialogManager::Cancel);
+      fsb.setSelection(file);
+      fsb.press(YrDialogManager::Ok);
+    });
+  }
+  void answerQuestion(bool yes, std::string* asked = nullptr) {
+    YrDialogManager::queueResponder([yes, asked](YrDialogManager& d) {
+      if (asked) *asked = d.message();
+      d.press(yes ? YrDialogManager::Ok : YrDialogManager::Cancel);
+    });
+  }
+  void press(const char* button) {
+    Widget w = XtNameToWidget(list->baseWidget(), (std::string("*") + button).c_str());
+    ASSERT_NE(nullptr, w) << button;
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(w, XmNactivateCallback, &cbs);
+  }
+  void setView(int view) { window->view()->setView(view); }
+  Widget widget(const char* name) {
+    return XtNameToWidget(list->baseWidget(), (std::string("*") + name).c_str());
+  }
+  std::vector<std::string> lines() {
+    Widget w = widget("fileList");
+    XmStringTable items = nullptr;
+    int count = 0;
+    XtVaGetValues(w, XmNitems, &items, XmNitemCount, &count, nullptr);
+    std::vector<std::string> out;
+    for (int i = 0; i < count; ++i) {
+      char* t = static_cast<char*>(XmStringUnparse(items[i], nullptr, XmCHARSET_TEXT,
+                                                   XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+      out.push_back(t);
+      XtFree(t);
+    }
+    return out;
+  }
+  std::string label() {
+    XmString s = nullptr;
+    XtVaGetValues(widget("label"), XmNlabelString, &s, nullptr);
+    char* t = static_cast<char*>(
+        XmStringUnparse(s, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+    std::string out = t;
+    XtFree(t);
+    XmStringFree(s);
+    return out;
+  }
+  std::string lastLog() {
+    std::string log = window->view()->messages();
+    size_t nl = log.rfind('\n');
+    return nl == std::string::npos ? log : log.substr(nl + 1);
+  }
+  void openThree() {
+    answerFileDialog(dir.write("three.idb", kThree));
+    choose("File/Open/Idb");
+  }
+
+  TempDir dir;
+  std::unique_ptr<MyApp> app;
+  std::unique_ptr<MainWindow> window;
+  FileList* list = nullptr;
+};
+
+TEST_F(FileListTest, OpenShowsTheLinesOfEachViewAndTheName) {
+  setView(1);
+  openThree();
+  EXPECT_EQ("Opened idb '" + dir.file("three.idb") + "'.", lastLog());
+  EXPECT_EQ("Idb File:  " + dir.file("three.idb"), label());
+  using V = std::vector<std::string>;
+  struct Case {
+    int view;
+    V lines;
+  } cases[] = {
+      {1, {"tool.sw.base src/a", "tool.sw.lib src/b", "other.sw.base src/c"}},
+      {2, {"f 0644 root sys usr/bin/a", "f 0755 bin bin usr/bin/b", "d 0755 root sys usr/lib/c"}},
+      {3, {"usr/bin/a", "usr/bin/b config(noupdate)", "usr/lib/c"}},
+      // The hierarchy view leaves the list as it was.
+      {0, {"usr/bin/a", "usr/bin/b config(noupdate)", "usr/lib/c"}},
+  };
+  for (const Case& c : cases) {
+    setView(c.view);
+    EXPECT_EQ(c.lines, lines()) << c.view;
+  }
+}
+
+TEST_F(FileListTest, RefusedOpensChangeNothingAndSayWhy) {
+  setView(1);
+  openThree();
+  std::vector<std::string> before = lines();
+  answerFileDialog(dir.mkdir("adir.idb"));
+  choose("File/Open/Idb");
+  EXPECT_TRUE(getTheWarningDialog()->isPosted());
+  EXPECT_EQ("'" + dir.file("adir.idb") + "' is not a regular file.\nTry again.",
+            getTheWarningDialog()->message());
+  getTheWarningDialog()->press(YrDialogManager::Ok);
+  answerFileDialog(dir.file("missing.idb"));
+  choose("File/Open/Idb");
+  EXPECT_EQ("Couldn't open idb '" + dir.file("missing.idb") + "' (No such file or directory).",
+            lastLog());
+  EXPECT_TRUE(window->view()->messagesShown());
+  answerFileDialog("");  // cancelled
+  choose("File/Open/Idb");
+  EXPECT_EQ(before, lines());
+  EXPECT_EQ("Idb File:  " + dir.file("three.idb"), label());
+}
+
+TEST_F(FileListTest, AppendAndSaveAsGoThroughTheFileDialog) {
+  setView(1);
+  openThree();
+  std::string proposed;
+  answerFileDialog(dir.write("more.idb", "f 0644 root sys usr/bin/d src/d tool.sw.base\n"),
+                   &proposed);
+  choose("File/Append/Idb");
+  EXPECT_EQ(".idb", proposed.substr(proposed.size() - 4));  // "<product>.idb"
+  EXPECT_EQ("Appended idb '" + dir.file("more.idb") + "'.", lastLog());
+  EXPECT_EQ(4u, lines().size());
+  EXPECT_EQ("Idb File:  " + dir.file("three.idb"), label());  // appending keeps the name
+
+  answerFileDialog(dir.file("saved.idb"));
+  choose("File/SaveAs/Idb");
+  EXPECT_EQ("Saved idb '" + dir.file("saved.idb") + "'.", lastLog());
+  EXPECT_EQ("Idb File:  " + dir.file("saved.idb"), label());
+  // Saved sorted by destination path.
+  EXPECT_EQ(
+      "f 0644 root sys usr/bin/a src/a tool.sw.base\n"
+      "f 0755 bin bin usr/bin/b src/b tool.sw.lib config(noupdate)\n"
+      "f 0644 root sys usr/bin/d src/d tool.sw.base\n"
+      "d 0755 root sys usr/lib/c src/c other.sw.base\n",
+      dir.read("saved.idb"));
+  // Nothing unsaved now: Quit does not ask.
+  choose("File/Quit");
+  EXPECT_TRUE(app->quitRequested());
+}
+
+TEST_F(FileListTest, UnsavedChangesAreOnlyDroppedWithConsent) {
+  setView(1);
+  openThree();
+  press("allPushButton");
+  press("removePushButton");
+  EXPECT_TRUE(lines().empty());
+
+  std::string asked;
+  answerQuestion(false, &asked);
+  choose("File/Quit");
+  EXPECT_FALSE(app->quitRequested());
+  EXPECT_EQ("There have been changes since you last saved.\nAbandon changes to idb file '" +
+                dir.file("three.idb") + "'?\n",
+            asked);
+  answerQuestion(false);
+  choose("File/New/Idb");
+  EXPECT_EQ("Idb File:  " + dir.file("three.idb"), label());  // kept
+  answerQuestion(true);
+  choose("File/New/Idb");
+  EXPECT_EQ("Idb File:  ", label());
+  EXPECT_TRUE(lines().empty());
+  // Only opening or saving clears the changed state: Quit still asks.
+  answerQuestion(true, &asked);
+  choose("File/Quit");
+  EXPECT_EQ("There have been changes since you last saved.\nAbandon changes to idb file?\n", asked);
+  EXPECT_TRUE(app->quitRequested());
+}
+
+TEST_F(FileListTest, FilterSelectsByTheLinesOfTheCurrentView) {
+  openThree();
+  struct Case {
+    int view;
+    const char* expression;
+    std::vector<int> selected;
+  } cases[] = {
+      {1, "^tool", {1, 2}},
+      {2, "^d", {3}},
+      {2, "^tool", {}},  // the same expression, other lines
+      {3, "config", {2}},
+      {1, "[", {2}},  // does not compile: bell, selection kept
+  };
+  for (const Case& c : cases) {
+    setView(c.view);
+    XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>(c.expression));
+    EXPECT_EQ(c.selected, list->listView().selection()) << c.view << " " << c.expression;
+    EXPECT_EQ(c.selected, list->model().selectedPositions()) << c.view << " " << c.expression;
+  }
+  press("allPushButton");
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), list->listView().selection());
+  press("nonePushButton");
+  EXPECT_TRUE(list->listView().selection().empty());
+}
+
+TEST_F(FileListTest, UndoTwiceRedoes) {
+  setView(1);
+  openThree();
+  std::vector<std::string> all = lines();
+  XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>("^other"));
+  press("removePushButton");
+  std::vector<std::string> removed = lines();
+  EXPECT_EQ((std::vector<std::string>{"tool.sw.base src/a", "tool.sw.lib src/b"}), removed);
+  press("undoPushButton");
+  EXPECT_EQ(all, lines());
+  press("undoPushButton");
+  EXPECT_EQ(removed, lines());
+}
+
+TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
+  setView(1);
+  openThree();
+  XmListCallbackStruct cbs{};
+  int positions[] = {1, 3};
+  cbs.reason = XmCR_EXTENDED_SELECT;
+  cbs.selected_item_positions = positions;
+  cbs.selected_item_count = 2;
+  XtCallCallbacks(widget("fileList"), XmNextendedSelectionCallback, &cbs);
+  EXPECT_EQ((std::vector<int>{1, 3}), list->model().selectedPositions());
+  press("removePushButton");
+  EXPECT_EQ((std::vector<std::string>{"tool.sw.lib src/b"}), lines());
+}
+
+TEST_F(FileListTest, DoubleClickWithSourcesMissingSelectsAndNamesThem) {
+  setView(1);
+  openThree();  // src/a, src/b, src/c exist under no source root here
+  XmListCallbackStruct cbs{};
+  cbs.reason = XmCR_DEFAULT_ACTION;
+  cbs.item_position = 2;
+  XtCallCallbacks(widget("fileList"), XmNdefaultActionCallback, &cbs);
+  EXPECT_TRUE(getTheErrorDialog()->isPosted());
+  EXPECT_EQ("No files found under Source Root " + list->model().sourceRoot() + ".",
+            getTheErrorDialog()->message());
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  EXPECT_EQ((std::vector<int>{1, 2, 3}), list->listView().selection());
+}
+
+}  // namespace
