@@ -18,6 +18,8 @@
 #include "app/MyApp.h"
 #include "app/SpecDocument.h"
 #include "app/View.h"
+#include "filelist/FileListAdd.h"
+#include "filelist/FileListModel.h"
 #include "build/Generate.h"
 #include "util/EditService.h"
 #include "util/TempDir.h"
@@ -135,6 +137,9 @@ class EditRequestTest : public ::testing::Test {
     window->show();
     window->view()->setSpecDocument(&spec);
     window->view()->setIdbDocument(&idb);
+    // The Add Files panel browses only under the source root; the
+    // requests' directories live in /tmp.
+    ASSERT_TRUE(window->view()->fileList()->setSourceRoot("/"));
     UiTestApp::flush();
     ASSERT_TRUE(window->msgClient()->connected()) << window->msgClient()->status();
   }
@@ -206,6 +211,9 @@ TEST_F(EditRequestTest, RequestsAreCarriedOutInOrderAndReplyTheStatus) {
     EXPECT_EQ(c.calls, journal.calls) << c.name;
     EXPECT_EQ(c.cwd.empty() ? _startDir : c.cwd, cwd()) << c.name;
     EXPECT_EQ(c.browsing, window->view()->browsingDirectory()) << c.name;
+    if (!c.browsing.empty()) {
+      EXPECT_EQ(c.browsing, window->view()->addPanel()->browsingDirectory()) << c.name;
+    }
     // PWD follows the request even when the directory cannot be entered.
     EXPECT_EQ(c.pwd.empty() ? _startDir : c.pwd, std::getenv("PWD")) << c.name;
     std::string added = window->view()->messages().substr(logBefore.size());

@@ -3,6 +3,7 @@
 
 #include <Xm/List.h>
 #include <Xm/RowColumn.h>
+#include <Xm/TextF.h>
 
 #include <memory>
 #include <string>
@@ -13,6 +14,9 @@
 #include "app/View.h"
 #include "build/Generate.h"
 #include "filelist/FileListModel.h"
+#include "idb/Idb.h"
+#include "spec/SpecGraph.h"
+#include "spec/SpecGraphModel.h"
 #include "help/HelpClient.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
@@ -54,17 +58,13 @@ class MainWindowMenusTest : public ::testing::Test {
   Window server = 0;
 };
 
-TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdb) {
-  // Without a file list there is nothing to patch.
-  choose("File/Create Patch...");
-  EXPECT_EQ(nullptr, window->patchDialog());
-  EXPECT_NE(std::string::npos, window->view()->messages().find("Create Patch is not available"));
-
+TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdbAndBuildsThePatch) {
+  // The dialog lists the idb of the file list panel and builds the patch
+  // in the panel's hierarchy.
   TempDir dir;
-  RecordingReporter reporter;
-  FileListModel fileList(reporter);
-  ASSERT_TRUE(fileList.open(dir.write("p.idb", "f 0644 root sys a a p.sw.base\nf 0644 root sys b b p.sw.base\n")));
-  window->view()->setFileList(&fileList);
+  FileListModel& fileList = *window->view()->fileList();
+  ASSERT_TRUE(fileList.open(dir.write(
+      "p.idb", "f 0644 root sys a src/a my_product.sw.base\nf 0644 root sys b src/b my_product.man.manpages\n")));
   choose("File/Create Patch...");
   PatchDialog* first = window->patchDialog();
   ASSERT_NE(nullptr, first);
@@ -73,10 +73,28 @@ TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdb) {
   XtVaGetValues(first->list(), XmNitemCount, &count, nullptr);
   EXPECT_EQ(2, count);
   first->unpost();
+
+  // A new dialog each time.
   choose("File/Create Patch...");
-  EXPECT_TRUE(window->patchDialog()->isPosted());
-  window->patchDialog()->unpost();
-  window->view()->setFileList(nullptr);
+  PatchDialog* dialog = window->patchDialog();
+  ASSERT_TRUE(dialog->isPosted());
+  char* proposed = XmTextFieldGetString(dialog->nameField());
+  const std::string patch = proposed;
+  XtFree(proposed);
+  EXPECT_EQ(0u, patch.rfind("my_product_patch", 0)) << patch;
+  XmListSelectPos(dialog->list(), 2, False);
+  dialog->press(YrDialogManager::Ok);
+  EXPECT_FALSE(dialog->isPosted());
+
+  ASSERT_EQ(1, fileList.idb().count());
+  const idb& kept = *fileList.idb()[0];
+  EXPECT_EQ("src/b", kept.srcpath());
+  const std::string tag(kept.tag());
+  EXPECT_EQ(patch + ".my_product_man.manpages", tag);
+  SpecGraphModel& graph = window->view()->specGraph()->model();
+  EXPECT_EQ(patch, graph.getProductName());
+  EXPECT_EQ(1, graph.rootCount());
+  EXPECT_NE(nullptr, graph.getNode(tag));
 }
 
 TEST_F(MainWindowMenusTest, HelpMenuAtTheRightSendsIndexAndContextRequests) {

@@ -24,6 +24,7 @@
 #include "ov/OvGrid.h"
 #include "spec/SpecDetail.h"
 #include "spec/SpecGraph.h"
+#include "spec/SpecGraphModel.h"
 #include "yr/YrMenuItem.h"
 #include "yr/YrMenuToggle.h"
 #include "yr/YrTabPanel.h"
@@ -173,17 +174,53 @@ void View::createPanels() {
                     XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
                     XmATTACH_FORM, nullptr);
   }
-  _tagsPanel->setSpecGraph(&_specGraph->model());
-  _specGraph->setDetail(_specDetail);
+  FileListModel* fileList = _fileList;
+  SpecGraphModel& graph = _specGraph->model();
+
+  // Tag Files: the tags panel assigns through the file list and offers the
+  // hierarchy's tags; the file list tells it when the idb's tags changed
+  // and which entry was double-clicked.
+  _tagsPanel->setFileList(fileList);
+  fileList->setTagsPartner(_tagsPanel);
+  _tagsPanel->setSpecGraph(&graph);
   _specGraph->setTagsPanel(_tagsPanel);
+  // The file list proposes idb names after the product and builds patches
+  // in the hierarchy.
+  fileList->setSpecGraphPartner(_specGraph);
+
+  _specGraph->setDetail(_specDetail);
   _specGraph->setView(this);
   _specDetail->setSpecGraph(_specGraph);
+  _specDetail->setFileList(fileList);  // a renamed node retags the idb
   _specDetail->setTagsPanel(_tagsPanel);
   _spec = _specGraph;
-  _specGraph->model().defaultGraph();
-  _addPanel->connect(nullptr, _reporter.get());
+  graph.defaultGraph();
+
   _addPanel->setBrowsingDirectory("");
+  connectFileList(fileList);
+  _permsPanel->setSourceRoot(fileList->sourceRoot());
+  _permsPanel->setDestRoot(fileList->destRoot() ? *fileList->destRoot() : std::string());
   _attrsPanel->hideInternalNames();
+
+  // Build Product: reads the roots, the idb and the spec, and keeps the
+  // text files out of its distribution directory.
+  _buildPanel->setFileList(fileList);
+  _buildPanel->setSpecGraph(&graph);
+  fileList->setBuildPartner(_buildPanel);
+  Generate* build = _buildPanel;
+  graph.setDistDirSource([build] { return build->getDistDir(); });
+  _buildPanel->setSourceRoot(fileList->sourceRoot());
+  _buildPanel->setDestRoot(fileList->destRoot() ? *fileList->destRoot() : std::string());
+  _buildPanel->setSpecFileLabel(_specGraph->specFileLabel());
+}
+
+void View::specFileLabelChanged(const std::string& text) {
+  if (_buildPanel) _buildPanel->setSpecFileLabel(text);
+}
+
+void View::setBrowsingDirectory(const std::string& dir) {
+  _browsingDirectory = dir;
+  if (_addPanel) _addPanel->setBrowsingDirectory(dir.c_str());
 }
 
 void View::connectFileList(FileListModel* fileList) {

@@ -98,8 +98,13 @@ class View : public ViewUI {
   void setFileList(FileListModel* fileList) { _fileList = fileList; }
 
   /// Where the Add Files panel browses (the directory given last).
-  void setBrowsingDirectory(const std::string& dir) { _browsingDirectory = dir; }
+  /// Moves the Add Files panel there too.
+  void setBrowsingDirectory(const std::string& dir);
   const std::string& browsingDirectory() const { return _browsingDirectory; }
+
+  /// The spec file label of the hierarchy changed: the build panel shows
+  /// the same text.
+  void specFileLabelChanged(const std::string& text);
 
   /// The "Build Product" panel.
   Generate* buildPanel() const { return _buildPanel; }

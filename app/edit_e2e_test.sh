@@ -36,6 +36,14 @@ poll() {
     sleep 0.1
   done
 }
+# True once process $1 shows its "Tamblin" window.  One look at a time:
+# xdotool walks the whole window tree and gives up on an X error when a
+# window it listed is gone before it is queried, which happens while a
+# program is still building or tearing down its windows (its busy banner,
+# dialogs), so --sync cannot be trusted to keep looking.
+shows_window() {
+  xdotool search --onlyvisible --pid "$1" --name '^Tamblin$' >/dev/null 2>&1
+}
 
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
 xvfb_pid=$!
@@ -63,6 +71,7 @@ cat >"$work/session.conf" <<CONF
 CONF
 
 export PROG=$prog CLI=$cli WORK=$work
+export -f poll shows_window
 dbus-run-session --config-file="$work/session.conf" -- bash -c '
   set -euo pipefail
   fail() { echo "FAIL: $*" >&2; exit 1; }
@@ -76,8 +85,7 @@ dbus-run-session --config-file="$work/session.conf" -- bash -c '
 
   "$PROG" -nofork >"$WORK/second.out" 2>&1 &
   second=$!
-  timeout 30 xdotool search --sync --onlyvisible --pid "$second" --name "^Tamblin$" >/dev/null ||
-    fail "the second instance shows no window"
+  poll 30 shows_window "$second" || fail "the second instance shows no window"
   kill -0 "$second" || fail "the second instance ended"
   status=$("$CLI" edit "$WORK/missing" "" "" "") && fail "missing directory accepted: $status"
   [ "$status" = -1 ] || fail "missing directory replied $status"
@@ -92,8 +100,7 @@ dbus-run-session --config-file="$work/session.conf" -- bash -c '
 # launched for the display.
 env -u DBUS_SESSION_BUS_ADDRESS "$prog" -nofork >"$work/third.out" 2>&1 &
 third_pid=$!
-timeout 30 xdotool search --sync --onlyvisible --pid "$third_pid" --name '^Tamblin$' >/dev/null ||
-  fail "no window without a bus"
+poll 30 shows_window "$third_pid" || fail "no window without a bus"
 if xprop -root | grep -qi dbus; then fail "a bus was launched: $(xprop -root | grep -i dbus)"; fi
 if xlsatoms | grep -q _DBUS_SESSION_BUS_SELECTION; then fail "a bus was launched for the display"; fi
 echo "edit request end to end: ok"

@@ -136,6 +136,7 @@ void SpecGraph::specFileNameChanged(const std::string& name) {
   XmString s = XmStringCreateLocalized(const_cast<char*>(text.c_str()));
   XtVaSetValues(_label, XmNlabelString, s, nullptr);
   XmStringFree(s);
+  if (_view) _view->specFileLabelChanged(text);
 }
 
 void SpecGraph::busy(bool on) {

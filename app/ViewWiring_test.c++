@@ -1,0 +1,280 @@
+// The panels of the real main window working on one idb and one spec: the
+// menus open both, the tags, permissions and node detail panels edit the
+// file list's records, the build panel runs a program on the saved files and
+// Create Patch turns a selection into a patch product.  Everything goes
+// through the widgets' callbacks.
+#include <gtest/gtest.h>
+
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/TextF.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/MainWindow.h"
+#include "app/MyApp.h"
+#include "app/PatchDialog.h"
+#include "app/View.h"
+#include "app/ui/LayoutChecks.h"
+#include "build/Generate.h"
+#include "filelist/FileListAdd.h"
+#include "filelist/FileListModel.h"
+#include "filelist/FileListPerms.h"
+#include "filelist/FileListTags.h"
+#include "idb/Idb.h"
+#include "spec/SpecDetail.h"
+#include "spec/SpecGraph.h"
+#include "spec/SpecGraphModel.h"
+#include "spec/SpecNode.h"
+#include "util/RecordingReporter.h"
+#include "util/TempDir.h"
+#include "util/UiTestApp.h"
+#include "yr/YrDialogManager.h"
+#include "yr/YrFileSelectionDialog.h"
+#include "yr/YrMenuItem.h"
+
+namespace {
+
+void expire(XtPointer flag, XtIntervalId*) { *static_cast<bool*>(flag) = true; }
+
+// Processes events until done() holds or 10 s have passed.
+bool waitFor(const std::function<bool()>& done) {
+  XtAppContext context = UiTestApp::context();
+  bool expired = false;
+  XtIntervalId timer = XtAppAddTimeOut(context, 10000, expire, &expired);
+  while (!done() && !expired) XtAppProcessEvent(context, XtIMAll);
+  if (!expired) XtRemoveTimeOut(timer);
+  return done();
+}
+
+std::vector<std::string> listItems(Widget list) {
+  XmStringTable items = nullptr;
+  int count = 0;
+  XtVaGetValues(list, XmNitems, &items, XmNitemCount, &count, nullptr);
+  std::vector<std::string> out;
+  for (int i = 0; i < count; ++i) {
+    char* t = static_cast<char*>(XmStringUnparse(items[i], nullptr, XmCHARSET_TEXT,
+                                                 XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
+    out.push_back(t);
+    XtFree(t);
+  }
+  return out;
+}
+
+class ViewWiringTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    int argc = 1;
+    char name[] = "tamblin";
+    char* argv[] = {name, nullptr};
+    app = std::make_unique<MyApp>("Tamblin", UiTestApp::context(), UiTestApp::display(), &argc,
+                                  argv, "ORVEX_TAMBLIN");
+    window = std::make_unique<MainWindow>("tamblin");
+    window->initialize();
+    window->show();
+    UiTestApp::flush();
+    YrDialogManager::setWaitLimit(5000);  // a forgotten answer fails, not hangs
+    view = window->view();
+  }
+  void TearDown() override {
+    EXPECT_EQ(0u, YrDialogManager::pendingResponders());
+    YrDialogManager::clearResponders();
+    YrDialogManager::setWaitLimit(0);
+    getTheErrorDialog()->unpost();
+    putUserResource(view->baseWidget(), "*buildProgram:");
+    window.reset();
+    app.reset();
+    UiTestApp::flush();
+  }
+
+  void choose(const char* path) {
+    YrMenuItem* item = window->menuItem(path);
+    ASSERT_NE(nullptr, item) << path;
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(item->baseWidget(), XmNactivateCallback, &cbs);
+  }
+  void answerFileDialog(const std::string& file) {
+    YrDialogManager::queueResponder([file](YrDialogManager& d) {
+      auto& fsb = static_cast<YrFileSelectionDialog&>(d);
+      fsb.setSelection(file);
+      fsb.press(YrDialogManager::Ok);
+    });
+  }
+  static Widget find(YrComponent* panel, const char* name) {
+    return XtNameToWidget(panel->baseWidget(), (std::string("*") + name).c_str());
+  }
+  static void press(Widget w) {
+    ASSERT_NE(nullptr, w);
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(w, XmNactivateCallback, &cbs);
+    UiTestApp::flush();
+  }
+  static void type(Widget field, const std::string& text) {
+    ASSERT_NE(nullptr, field);
+    XmTextFieldSetString(field, const_cast<char*>(text.c_str()));
+  }
+  static std::string fieldText(Widget field) {
+    char* t = XmTextFieldGetString(field);
+    std::string out = t ? t : "";
+    XtFree(t);
+    return out;
+  }
+  Widget fileListWidget() { return XtNameToWidget(view->baseWidget(), "*FileList*fileList"); }
+  // The user selects these entries of the file list (1-based).
+  void selectEntries(std::vector<int> positions) {
+    XmListCallbackStruct cbs{};
+    cbs.reason = XmCR_EXTENDED_SELECT;
+    cbs.selected_item_positions = positions.data();
+    cbs.selected_item_count = static_cast<int>(positions.size());
+    XtCallCallbacks(fileListWidget(), XmNextendedSelectionCallback, &cbs);
+  }
+  void doubleClickEntry(int position) {
+    XmListCallbackStruct cbs{};
+    cbs.reason = XmCR_DEFAULT_ACTION;
+    cbs.item_position = position;
+    XtCallCallbacks(fileListWidget(), XmNdefaultActionCallback, &cbs);
+  }
+  void clickNode(const std::string& tag) {
+    SpecNode* node = view->specGraph()->model().getNode(tag);
+    ASSERT_NE(nullptr, node) << tag;
+    press(view->specGraph()->widgetOf(node));
+  }
+  std::vector<std::string> recordTags() {
+    std::vector<std::string> out;
+    const Idb& idb = view->fileList()->idb();
+    for (int i = 0; i < idb.count(); ++i) out.emplace_back(idb[i]->tag());
+    return out;
+  }
+
+  std::unique_ptr<MyApp> app;
+  std::unique_ptr<MainWindow> window;
+  View* view = nullptr;
+};
+
+TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
+  TempDir dir;
+  for (const char* f : {"src/a", "src/b", "src/c"}) dir.write(f, f);
+  {
+    RecordingReporter reporter;
+    SpecGraphModel spec(&reporter);
+    spec.defaultGraph();
+    ASSERT_TRUE(spec.save(dir.file("p.spec").c_str()));
+  }
+  const std::string idbFile = dir.write("p.idb",
+                                        "f 0644 root sys usr/bin/a src/a my_product.sw.base\n"
+                                        "f 0644 root sys usr/bin/b src/b my_product.sw.base\n"
+                                        "f 0644 root sys usr/man/c src/c my_product.man.manpages\n");
+  FileListModel& fileList = *view->fileList();
+  ASSERT_TRUE(fileList.setSourceRoot(dir.path()));
+
+  // File > Open > Both: the spec, then the idb.
+  answerFileDialog(dir.file("p.spec"));
+  answerFileDialog(idbFile);
+  choose("File/Open/Both");
+  ASSERT_EQ(3, fileList.idb().count());
+  EXPECT_EQ("Spec File:  " + dir.file("p.spec"), view->specGraph()->specFileLabel());
+  EXPECT_EQ("Spec File:  " + dir.file("p.spec"), labelText(find(view->buildPanel(), "label")));
+  YrMenuItem* createPatch = window->menuItem("File/Create Patch...");
+  ASSERT_NE(nullptr, createPatch);
+  // Only the hierarchy's own edits make Create Patch available.
+  EXPECT_FALSE(createPatch->isActive());
+
+  // Tag Files: two entries selected, a tag chosen, Assign.
+  view->setView(1);
+  selectEntries({1, 2});
+  FileListTags* tags = view->tagsPanel();
+  std::vector<std::string> offered = tags->items();
+  int manpages = 0;
+  for (size_t i = 0; i < offered.size(); ++i)
+    if (offered[i] == "my_product.man.manpages") manpages = static_cast<int>(i) + 1;
+  ASSERT_NE(0, manpages) << "the hierarchy's tags are offered";
+  XmListSelectPos(tags->tagsList(), manpages, True);
+  press(find(tags, "arrowButton"));
+  EXPECT_EQ((std::vector<std::string>{"my_product.man.manpages", "my_product.man.manpages",
+                                      "my_product.man.manpages"}),
+            recordTags());
+  EXPECT_EQ((std::vector<std::string>{"my_product.man.manpages src/a",
+                                      "my_product.man.manpages src/b",
+                                      "my_product.man.manpages src/c"}),
+            listItems(fileListWidget()));
+  EXPECT_FALSE(getTheErrorDialog()->isPosted());
+
+  // A double click hands the entry to every panel.
+  XmListDeselectAllItems(tags->tagsList());
+  doubleClickEntry(3);
+  EXPECT_EQ("my_product.man.manpages", tags->getCurrent());
+  EXPECT_EQ(dir.file("src"), view->addPanel()->browsingDirectory());
+  EXPECT_EQ("0644", fieldText(find(view->permsPanel(), "modeTextField")));
+  EXPECT_EQ("usr/man", fieldText(find(view->permsPanel(), "destDirTextField")));
+
+  // Edit Permissions & Destinations: the double-clicked entry gets a new
+  // mode; the list follows.
+  view->setView(2);
+  selectEntries({3});
+  type(find(view->permsPanel(), "modeTextField"), "0755");
+  press(find(view->permsPanel(), "assignArrowButton"));
+  EXPECT_EQ(0755u, fileList.idb()[2]->mode());
+  EXPECT_EQ(0644u, fileList.idb()[0]->mode());
+  EXPECT_EQ("f 0755 root sys usr/man/c", listItems(fileListWidget()).at(2));
+
+  // Create Product Hierarchy: renaming the image retags its files.
+  view->setView(0);
+  clickNode("my_product.man");
+  type(find(view->specDetail(), "imageNameTextField"), "docs");
+  press(find(view->specDetail(), "applyArrowButton"));
+  EXPECT_EQ((std::vector<std::string>{"my_product.docs.manpages", "my_product.docs.manpages",
+                                      "my_product.docs.manpages"}),
+            recordTags());
+  offered = tags->items();
+  EXPECT_NE(offered.end(), std::find(offered.begin(), offered.end(), "my_product.docs.manpages"));
+  EXPECT_EQ(offered.end(), std::find(offered.begin(), offered.end(), "my_product.man.manpages"));
+  // An image added under the product: now there is something to patch.
+  clickNode("my_product");
+  press(view->specGraph()->addButton());
+  EXPECT_TRUE(createPatch->isActive());
+
+  // Build Product: both files saved, the program's output in the log.
+  const std::string program = dir.write("forge", "#!/bin/sh\necho \"forged $*\"\n");
+  ASSERT_EQ(0, chmod(program.c_str(), 0755));
+  putUserResource(view->baseWidget(), ("*buildProgram: " + program).c_str());
+  view->setView(4);
+  view->buildPanel()->setDistDir(dir.file("dist"));
+  press(find(view->buildPanel(), "allPushButton"));
+  ASSERT_TRUE(waitFor([&] { return view->messages().find("\nDone.") != std::string::npos; }))
+      << view->messages();
+  const std::string log = view->messages();
+  EXPECT_NE(std::string::npos, log.find("\nforged ")) << log;
+  EXPECT_NE(std::string::npos, log.find("-idb " + idbFile)) << log;
+  EXPECT_NE(std::string::npos, log.find("-spec " + dir.file("p.spec"))) << log;
+  EXPECT_NE(std::string::npos, dir.read("p.idb").find("f 0755 root sys usr/man/c src/c my_product.docs.manpages"))
+      << dir.read("p.idb");
+  EXPECT_NE(std::string::npos, dir.read("p.spec").find("docs")) << dir.read("p.spec");
+  EXPECT_FALSE(fileList.modified());
+
+  // Create Patch: one entry kept, filed under the new patch product.
+  choose("File/Create Patch...");
+  PatchDialog* dialog = window->patchDialog();
+  ASSERT_NE(nullptr, dialog);
+  ASSERT_TRUE(dialog->isPosted());
+  EXPECT_EQ(3u, listItems(dialog->list()).size());
+  const std::string patch = fieldText(dialog->nameField());
+  ASSERT_EQ(0u, patch.rfind("my_product_patch", 0)) << patch;
+  XmListSelectPos(dialog->list(), 3, False);
+  dialog->press(YrDialogManager::Ok);
+  EXPECT_FALSE(dialog->isPosted());
+  ASSERT_EQ(1, fileList.idb().count());
+  EXPECT_EQ("src/c", fileList.idb()[0]->srcpath());
+  EXPECT_EQ((std::vector<std::string>{patch + ".my_product_docs.manpages"}), recordTags());
+  EXPECT_EQ(patch, view->specGraph()->model().getProductName());
+  EXPECT_EQ(1, view->specGraph()->model().rootCount());
+  EXPECT_EQ(1u, listItems(fileListWidget()).size());
+}
+
+}  // namespace
