@@ -10,6 +10,7 @@ struct Subcommand {
   int (*run)(int argc, char** argv);
 };
 
+int formatCommand(int argc, char** argv);
 int sortCommand(int argc, char** argv);
 int checkCommand(int argc, char** argv);
 

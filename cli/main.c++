@@ -7,6 +7,8 @@
 namespace {
 
 const Subcommand kSubcommands[] = {
+    {"format", "SPEC [-o OUT]", "reads a spec file and writes it as the program saves it",
+     formatCommand},
     {"sort", "IDB [-o OUT]", "sorts an idb by destination path (into OUT, or in place)", sortCommand},
     {"check", "IDB [--sbase DIR] [--spec SPEC]",
      "reports sources missing under the source root, tags no subsystem maps and empty subsystems",

@@ -1,0 +1,492 @@
+#include "spec/SpecReader.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "spec/SpecGraphModel.h"
+#include "spec/SpecLexer.h"
+#include "util/RecordingReporter.h"
+#include "util/TempDir.h"
+
+namespace {
+
+std::string written(const SpecGraphModel& graph) {
+  char* buf = nullptr;
+  size_t len = 0;
+  std::FILE* fp = open_memstream(&buf, &len);
+  graph.writeAll(fp);
+  std::fclose(fp);
+  std::string text(buf, len);
+  std::free(buf);
+  return text;
+}
+
+// Wraps subsystem lines in a product p and an image i.
+std::string inImage(const std::string& subsystems) {
+  return "product p id P image i id I version 1\n" + subsystems + "endimage endproduct\n";
+}
+
+std::string writtenImage(const std::string& subsystems) {
+  return "product p\n    id P\n    image i\n        id I\n        version 1\n        order 9999\n" +
+         subsystems + "    endimage\nendproduct\n";
+}
+
+class SpecReaderTest : public ::testing::Test {
+ protected:
+  TempDir dir;
+  RecordingReporter reporter;
+  SpecGraphModel graph{&reporter};
+
+  // Writes text to name in the scratch directory and opens it.
+  bool open(const std::string& text, const std::string& name = "p.spec") {
+    return graph.open(dir.write(name, text));
+  }
+  std::vector<std::string> logged() const { return reporter.texts("log"); }
+};
+
+TEST_F(SpecReaderTest, DefaultHierarchyRoundTrip) {
+  graph.defaultGraph();
+  std::string path = dir.file("default.spec");
+  ASSERT_TRUE(graph.save(path.c_str()));
+  std::string first = dir.read("default.spec");
+
+  SpecGraphModel again(&reporter);
+  ASSERT_TRUE(again.open(path));
+  EXPECT_TRUE(again.lastReadReport().clean());
+  EXPECT_EQ(first, written(again));
+  std::vector<SpecNode*> a = graph.nodes(), b = again.nodes();
+  ASSERT_EQ(a.size(), b.size());
+  for (size_t i = 0; i < a.size(); ++i) {
+    SCOPED_TRACE(a[i]->getTag());
+    EXPECT_EQ(a[i]->getTag(), b[i]->getTag());
+    EXPECT_EQ(a[i]->id(), b[i]->id());
+    EXPECT_EQ(a[i]->version(), b[i]->version());
+    EXPECT_EQ(a[i]->order(), b[i]->order());
+    EXPECT_EQ(a[i]->rules(), b[i]->rules());
+    EXPECT_EQ(a[i]->mapping(), b[i]->mapping());
+    EXPECT_EQ(a[i]->patch(), b[i]->patch());
+  }
+  EXPECT_EQ(path, again.specFileName());
+  EXPECT_FALSE(again.changed());
+}
+
+TEST_F(SpecReaderTest, RichFileRoundTrip) {
+  const std::string input =
+      "product rich id \"Rich 'quoted' Product\" version 3\n"
+      "  image sw id 'Soft \"ware\"'\n"
+      "    order 12 version 2.1 beta\n"
+      "    subsys base default required miniroot patch clientonly inplace\n"
+      "      id \"Base   Software\"\n"
+      "      replaces self\n"
+      "      prereq ( a 0 oldvers )\n"
+      "      prereq ( b 1 2\n"
+      "               c 3 4 )\n"
+      "      prereq ( d )\n"
+      "      incompat x 0 oldvers\n"
+      "      updates y\n"
+      "      follows z 1 1\n"
+      "      exp rich.sw.base\n"
+      "      exp other.tag\n"
+      "    endsubsys\n"
+      "    subsys empty id ''\n"
+      "    endsubsys\n"
+      "  endimage\n"
+      "  image bare id \"\" version 1 endimage\n"
+      "endproduct\n"
+      "maint m endmaint\n"
+      "product second id S endproduct\n";
+  const std::string expected =
+      "product rich\n"
+      "    id \"Rich 'quoted' Product\"\n"
+      "    image sw\n"
+      "        id 'Soft \"ware\"'\n"
+      "        version 2.1 beta\n"
+      "        order 12\n"
+      "        subsys base required default miniroot patch\n"
+      "            id \"Base Software\"\n"
+      "            replaces self\n"
+      "            prereq (\n"
+      "                a 0 oldvers\n"
+      "            )\n"
+      "            prereq (\n"
+      "                b 1 2\n"
+      "                c 3 4\n"
+      "            )\n"
+      "            prereq (\n"
+      "                d)\n"
+      "            incompat x 0 oldvers\n"
+      "            updates y\n"
+      "            follows z 1 1\n"
+      "            exp rich.sw.base\n"
+      "                other.tag\n"
+      "        endsubsys\n"
+      "        subsys empty\n"
+      "            id ''\n"
+      "        endsubsys\n"
+      "    endimage\n"
+      "    image bare\n"
+      "        id \"\"\n"
+      "        version 1\n"
+      "        order 9999\n"
+      "    endimage\n"
+      "endproduct\n"
+      "product second\n"
+      "    id S\n"
+      "endproduct\n";
+  ASSERT_TRUE(open(input));
+  EXPECT_TRUE(graph.lastReadReport().clean());
+  EXPECT_TRUE(logged().empty());
+  EXPECT_EQ(expected, written(graph));
+  SpecNode* base = graph.getNode("rich.sw.base");
+  ASSERT_NE(nullptr, base);
+  EXPECT_EQ("rich.sw.base\nother.tag", base->mapping());
+  EXPECT_TRUE(graph.getNode("rich")->patch());
+  EXPECT_TRUE(graph.getNode("rich.sw")->patch());
+  EXPECT_FALSE(graph.getNode("rich.sw.empty")->patch());
+  EXPECT_FALSE(graph.getNode("second")->patch());
+
+  // Reading the written text back gives the same rules; the continuation
+  // line of a mapping is read as more words of the one exp item.
+  ASSERT_TRUE(open(expected, "again.spec"));
+  base = graph.getNode("rich.sw.base");
+  ASSERT_NE(nullptr, base);
+  EXPECT_EQ("rich.sw.base other.tag", base->mapping());
+  std::string second = written(graph);
+  std::string::size_type at = expected.find("            exp rich.sw.base\n                other");
+  ASSERT_NE(std::string::npos, at);
+  std::string merged = expected;
+  merged.replace(at, std::string("            exp rich.sw.base\n                other").size(),
+                 "            exp rich.sw.base other");
+  EXPECT_EQ(merged, second);
+  ASSERT_TRUE(open(second, "third.spec"));
+  EXPECT_EQ(second, written(graph));
+}
+
+TEST_F(SpecReaderTest, RulesWithBlankLinesRoundTrip) {
+  SpecNode* p = graph.addRoot(graph.add("p"));
+  SpecNode* i = graph.addChild(p, graph.add("i"));
+  SpecNode* s = graph.addChild(i, graph.add("s"));
+  s->setRules("\nreplaces self\n\n\nprereq (\n    a 0 oldvers\n\n)\nincompat x 0 oldvers\n");
+  std::string path = dir.file("r.spec");
+  ASSERT_TRUE(graph.save(path.c_str()));
+  std::string first = dir.read("r.spec");
+  EXPECT_NE(std::string::npos,
+            first.find("            replaces self\n            prereq (\n                a 0 "
+                       "oldvers\n            )\n            incompat x 0 oldvers\n        "
+                       "endsubsys\n"));
+  SpecGraphModel again(&reporter);
+  ASSERT_TRUE(again.open(path));
+  EXPECT_EQ("replaces self\nprereq (\n    a 0 oldvers\n)\nincompat x 0 oldvers",
+            again.getNode("p.i.s")->rules());
+  ASSERT_TRUE(again.save(nullptr));
+  EXPECT_EQ(first, dir.read("r.spec"));
+}
+
+TEST_F(SpecReaderTest, ItemsAsStored) {
+  struct Case {
+    const char* name;
+    std::string input;
+    std::string expected;
+  } cases[] = {
+      {"order absent, digits, letters",
+       "product p id P\n"
+       " image a id A version 1 endimage\n"
+       " image b order 12abc id B version 1 endimage\n"
+       " image c id C order abc version 1 endimage\n"
+       " image d id D version 1 order -7 endimage\n"
+       "endproduct\n",
+       "product p\n    id P\n"
+       "    image a\n        id A\n        version 1\n        order 9999\n    endimage\n"
+       "    image b\n        id B\n        version 1\n        order 12\n    endimage\n"
+       "    image c\n        id C\n        version 1\n        order 0\n    endimage\n"
+       "    image d\n        id D\n        version 1\n        order -7\n    endimage\n"
+       "endproduct\n"},
+      {"ids quoted, unquoted, empty",
+       inImage("subsys a id \"Base Software\" endsubsys\n"
+               "subsys b id Base   Software endsubsys\n"
+               "subsys c id \"\" endsubsys\n"
+               "subsys d id \"it's\" endsubsys\n"
+               "subsys e id 'say \"hi\"' endsubsys\n"
+               "subsys f id \"a\" b endsubsys\n"),
+       writtenImage("        subsys a\n            id \"Base Software\"\n        endsubsys\n"
+                    "        subsys b\n            id Base Software\n        endsubsys\n"
+                    "        subsys c\n            id \"\"\n        endsubsys\n"
+                    "        subsys d\n            id \"it's\"\n        endsubsys\n"
+                    "        subsys e\n            id 'say \"hi\"'\n        endsubsys\n"
+                    "        subsys f\n            id \"a\" b\n        endsubsys\n")},
+      {"relations in file order",
+       inImage("subsys s replaces self incompat x 0 oldvers endsubsys\n"),
+       writtenImage("        subsys s\n            id \"Description\"\n            replaces self\n"
+                    "            incompat x 0 oldvers\n        endsubsys\n")},
+      {"dropped items",
+       "product p id P version 9 image i id I version 1\n"
+       " subsys s clientonly inplace endsubsys endimage endproduct maint x endmaint\n",
+       writtenImage("        subsys s\n            id \"Description\"\n        endsubsys\n")},
+      {"keywords are whole words",
+       "product products id identity image images id x version versions\n"
+       " subsys subsystem id endsubsysx exp exports endsubsys endimage endproduct\n",
+       "product products\n    id identity\n    image images\n        id x\n"
+       "        version versions\n        order 9999\n        subsys subsystem\n"
+       "            id endsubsysx\n            exp exports\n        endsubsys\n"
+       "    endimage\nendproduct\n"},
+      {"escaped blanks and quotes",
+       inImage("subsys s id 2\\\"\\ Tape\\ Player exp a\\(b\\) endsubsys\n"),
+       writtenImage("        subsys s\n            id 2\\\"\\ Tape\\ Player\n"
+                    "            exp a\\(b\\)\n        endsubsys\n")},
+      {"product without images", "product p id P endproduct\n",
+       "product p\n    id P\nendproduct\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    ASSERT_TRUE(open(c.input));
+    EXPECT_TRUE(graph.lastReadReport().clean());
+    EXPECT_EQ(c.expected, written(graph));
+  }
+}
+
+TEST_F(SpecReaderTest, PrereqCountRunsAcrossGroupsNotFiles) {
+  std::string input = inImage(
+      "subsys s prereq ( a 0 ) prereq ( x b 1 2 ) endsubsys\n"
+      "subsys t prereq ( u 1 ) endsubsys\n");
+  ASSERT_TRUE(open(input));
+  EXPECT_EQ("prereq (\n    a 0)\nprereq (\n x\n    b 1 2\n)", graph.getNode("p.i.s")->rules());
+  EXPECT_EQ("prereq (\n    u 1)", graph.getNode("p.i.t")->rules());
+  // A new read starts counting afresh.
+  ASSERT_TRUE(open(inImage("subsys s prereq ( c 0 9 ) endsubsys\n"), "q.spec"));
+  EXPECT_EQ("prereq (\n    c 0 9\n)", graph.getNode("p.i.s")->rules());
+}
+
+TEST_F(SpecReaderTest, SyntaxErrorsKeepWhatWasRead) {
+  struct Case {
+    const char* name;
+    std::string input;
+    std::string message;
+    std::string kept;
+  } cases[] = {
+      {"stray end",
+       "product p id P\n image i id I version 1\n endimage\n endimage\nendproduct\n",
+       "line 4:  syntax error (at 'endimage')", "p p.i"},
+      {"missing version", "product p id P\n image i id I\n endimage endproduct\n",
+       "line 3:  syntax error (at 'endimage')", "p p.i"},
+      {"end of file", "product p id P\n image i\n", "line 3:  syntax error (at '')", "p p.i"},
+      {"unclosed quote", "product p id \"P\nendproduct\n", "line 3:  syntax error (at '')", "p"},
+      {"nothing before the error", "endproduct\nproduct p id P endproduct\n",
+       "line 1:  syntax error (at 'endproduct')", ""},
+      {"quote after words", inImage("subsys s id a \"b\" endsubsys\n"),
+       "line 2:  syntax error (at '\"')", "p p.i p.i.s"},
+      {"bad character", "product p id P\n\x01 endproduct\n",
+       "line 2:  bad character '\x01'\n (at '\x01')", "p"},
+      {"NUL byte", std::string("product p id P\n\n\0 endproduct\n", 29),
+       "line 3:  bad character ''\n (at '')", "p"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    reporter.clear();
+    std::string path = dir.write("e.spec", c.input);
+    EXPECT_TRUE(graph.open(path));
+    EXPECT_FALSE(graph.lastReadReport().clean());
+    EXPECT_EQ(1, graph.lastReadReport().errors);
+    EXPECT_EQ((std::vector<std::string>{"Error reading " + path + ", " + c.message}), logged());
+    EXPECT_EQ(1u, reporter.texts("show").size());
+    std::string kept;
+    for (SpecNode* n : graph.nodes()) kept += (kept.empty() ? "" : " ") + n->getTag();
+    EXPECT_EQ(c.kept, kept);
+  }
+}
+
+TEST_F(SpecReaderTest, BadCharacterIsSkipped) {
+  ASSERT_TRUE(open("product p\x02 id P endproduct\n"));
+  EXPECT_EQ(1, graph.lastReadReport().errors);
+  EXPECT_EQ("product p\n    id P\nendproduct\n", written(graph));
+}
+
+TEST_F(SpecReaderTest, Includes) {
+  dir.write("sub/subsys.spec", "subsys s id S\nendsubsys\n");
+  dir.write("sub/nested.spec", "include subsys.spec\nsubsys t id T endsubsys\n");
+  std::string main = dir.write("main.spec",
+                               "product p id P\n"
+                               "image i id I version 1\n"
+                               "include sub/nested.spec\n"
+                               "endimage\n"
+                               "endimage\n");
+  // Neither include is readable from the working directory; each is found
+  // beside the file that includes it.
+  EXPECT_TRUE(graph.open(main));
+  EXPECT_EQ(0, graph.lastReadReport().includeFailures);
+  EXPECT_EQ((std::vector<std::string>{"Error reading " + main + ", line 5:  syntax error (at "
+                                      "'endimage')"}),
+            logged());
+  EXPECT_NE(nullptr, graph.getNode("p.i.s"));
+  EXPECT_NE(nullptr, graph.getNode("p.i.t"));
+}
+
+TEST_F(SpecReaderTest, ErrorsInsideIncludesNameTheIncludedFile) {
+  std::string inc = dir.write("inc.spec", "subsys s id S\n\nendimage\n");
+  std::string main = dir.write("main.spec",
+                               "product p id P image i id I version 1\ninclude " + inc + "\n");
+  EXPECT_TRUE(graph.open(main));
+  EXPECT_EQ((std::vector<std::string>{"Error reading " + inc + ", line 3:  syntax error (at "
+                                      "'endimage')"}),
+            logged());
+}
+
+TEST_F(SpecReaderTest, IncludeFailures) {
+  dir.mkdir("adir");
+  setenv("TAMBLIN_TEST_SUB", "sub", 1);
+  dir.write("sub/ok.spec", "subsys s id S endsubsys\n");
+  struct Case {
+    const char* name;
+    std::string directive;
+    std::string message;
+  } cases[] = {
+      {"missing", "include nothere.spec", "Unable to access nothere.spec (No such file or directory)."},
+      {"directory", "include adir", "Couldn't open include 'adir' (Is a directory)."},
+      {"device", "include /dev/null", "Couldn't open include '/dev/null' (Invalid argument)."},
+      {"substituted name", "include ${TAMBLIN_TEST_SUB}/no.spec",
+       "Unable to access sub/no.spec (No such file or directory)."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    reporter.clear();
+    // The read goes on in the including file after a refused include.
+    std::string main = dir.write("main.spec", "product p id P image i id I version 1\n" +
+                                                  c.directive + "\ninclude $TAMBLIN_TEST_SUB/ok.spec\n"
+                                                  "endimage endproduct\n");
+    EXPECT_TRUE(graph.open(main));
+    EXPECT_EQ(1, graph.lastReadReport().includeFailures);
+    EXPECT_EQ(0, graph.lastReadReport().errors);
+    EXPECT_EQ((std::vector<std::string>{c.message}), logged());
+    EXPECT_NE(nullptr, graph.getNode("p.i.s"));
+  }
+  unsetenv("TAMBLIN_TEST_SUB");
+}
+
+TEST_F(SpecReaderTest, IncludeCyclesEnd) {
+  struct Case {
+    const char* name;
+    std::string text;
+    size_t messages;
+  } cases[] = {
+      {"itself once", "include self.spec\n", 1},
+      // Twice per level would nest exponentially without the cycle check.
+      {"itself twice", "include self.spec\ninclude self.spec\n", 65},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    reporter.clear();
+    std::string self = dir.write("self.spec", c.text);
+    std::string main = dir.write("top.spec", "include self.spec\nproduct p id P endproduct\n");
+    EXPECT_TRUE(graph.open(main));
+    std::vector<std::string> expected(c.messages, "Include nesting too deep at 'self.spec'.");
+    EXPECT_EQ(expected, logged());
+    EXPECT_EQ(static_cast<int>(c.messages), graph.lastReadReport().includeFailures);
+    EXPECT_EQ("product p\n    id P\nendproduct\n", written(graph));
+  }
+}
+
+TEST_F(SpecReaderTest, IncludeDepthLimit) {
+  struct Case {
+    int depth;  // files included below the top one
+    bool refused;
+  } cases[] = {{kSpecMaxIncludeDepth, false}, {kSpecMaxIncludeDepth + 1, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.depth);
+    reporter.clear();
+    TempDir chain;
+    for (int i = 1; i < c.depth; ++i)
+      chain.write("f" + std::to_string(i) + ".spec", "include f" + std::to_string(i + 1) + ".spec\n");
+    chain.write("f" + std::to_string(c.depth) + ".spec", "product deep id D endproduct\n");
+    std::string top = chain.write("top.spec", "include f1.spec\nproduct top id T endproduct\n");
+    EXPECT_TRUE(graph.open(top));
+    if (c.refused) {
+      std::string last = "f" + std::to_string(c.depth) + ".spec";
+      EXPECT_EQ((std::vector<std::string>{"Include nesting too deep at '" + last + "'."}), logged());
+      EXPECT_EQ("product top\n    id T\nendproduct\n", written(graph));
+    } else {
+      EXPECT_TRUE(logged().empty());
+      EXPECT_EQ("product deep\n    id D\nendproduct\nproduct top\n    id T\nendproduct\n",
+                written(graph));
+    }
+  }
+}
+
+TEST_F(SpecReaderTest, LineNumbersContinueAfterAnInclude) {
+  dir.write("three.spec", "subsys a id A endsubsys\n\n\n");
+  dir.write("empty.spec", "");
+  struct Case {
+    const char* name;
+    std::string text;
+    int line;
+  } cases[] = {
+      {"include alone", "product p id P image i id I version 1\ninclude three.spec\n\nendsubsys\n",
+       4},
+      {"empty include", "product p id P\ninclude empty.spec\nimage\n\n\nendimage\n", 6},
+      {"two includes on one line",
+       "product p id P image i id I version 1\ninclude three.spec include three.spec\nx\n", 3},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    reporter.clear();
+    std::string main = dir.write("main.spec", c.text);
+    EXPECT_TRUE(graph.open(main));
+    ASSERT_EQ(1u, logged().size());
+    EXPECT_EQ(0u, logged()[0].find("Error reading " + main + ", line " + std::to_string(c.line) +
+                                   ":"))
+        << logged()[0];
+  }
+}
+
+TEST_F(SpecReaderTest, SetenvReachesLaterWordsAndFiles) {
+  unsetenv("TAMBLIN_T1");
+  dir.write("inc.spec", "subsys $TAMBLIN_T1 id ${TAMBLIN_T1}x endsubsys\n");
+  ASSERT_TRUE(open(
+      "setenv TAMBLIN_T1=sub\nproduct p id P image i id I version 1\ninclude inc.spec\n"
+      "endimage endproduct\n"));
+  EXPECT_EQ("subx", graph.getNode("p.i.sub")->id());
+  EXPECT_STREQ("sub", std::getenv("TAMBLIN_T1"));
+  ASSERT_TRUE(open("setenv TAMBLIN_T1\nproduct $TAMBLIN_T1 id P endproduct\n", "q.spec"));
+  EXPECT_EQ(nullptr, std::getenv("TAMBLIN_T1"));
+  EXPECT_EQ("$TAMBLIN_T1", graph.getProductName());
+}
+
+TEST_F(SpecReaderTest, OpenReadAndAppend) {
+  std::string a = dir.write("a.spec", "product a id A endproduct\n");
+  std::string b = dir.write("b.spec", "product b id B endproduct\n");
+  ASSERT_TRUE(graph.open(a));
+  EXPECT_EQ(a, graph.specFileName());
+  EXPECT_FALSE(graph.changed());
+  ASSERT_TRUE(graph.read(b));
+  EXPECT_TRUE(graph.changed());
+  EXPECT_EQ(a, graph.specFileName());
+  EXPECT_EQ("a", graph.root(0)->name());
+  EXPECT_EQ("b", graph.root(1)->name());
+  // Identities keep counting across reads.
+  EXPECT_EQ("2", graph.root(1)->identity());
+
+  reporter.clear();
+  std::string missing = dir.file("missing.spec");
+  EXPECT_FALSE(graph.open(missing));
+  EXPECT_EQ(0, graph.rootCount());
+  EXPECT_FALSE(graph.changed());
+  EXPECT_EQ(a, graph.specFileName());
+  EXPECT_EQ((std::vector<std::string>{"Unable to access " + missing +
+                                      " (No such file or directory)."}),
+            logged());
+  EXPECT_FALSE(graph.lastReadReport().entered);
+
+  reporter.clear();
+  EXPECT_FALSE(graph.open(dir.path()));
+  EXPECT_FALSE(graph.read(dir.path()));
+  EXPECT_EQ(2u, reporter.texts("warning").size());
+  EXPECT_EQ("'" + dir.path() + "' is not a regular file.\nTry again.", reporter.texts("warning")[0]);
+
+  ASSERT_TRUE(graph.open(""));
+  EXPECT_EQ(9u, graph.nodes().size());
+  EXPECT_EQ("", graph.specFileName());
+}
+
+}  // namespace
