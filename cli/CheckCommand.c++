@@ -9,11 +9,14 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/Subcommands.h"
 #include "filelist/InstallCheck.h"
 #include "idb/Idb.h"
+#include "spec/SpecGraphModel.h"
+#include "util/Reporter.h"
 #include "util/Utils.h"
 
 namespace {
@@ -60,6 +63,18 @@ std::optional<std::string> sourceRoot(const Arguments& args) {
   return root;
 }
 
+// The subsystems of the spec file with their mappings; nothing when the file
+// cannot be read whole (the reader's messages go to standard error).
+std::optional<std::vector<InstallCheck::Subsystem>> readSubsystems(const std::string& spec) {
+  StreamReporter reporter(stderr);
+  SpecGraphModel graph(&reporter);
+  if (!graph.open(spec) || !graph.lastReadReport().clean()) return std::nullopt;
+  std::vector<InstallCheck::Subsystem> subsystems;
+  for (const SpecNode* node : graph.nodes())
+    if (node->level() == 3) subsystems.push_back({node->getTag(), node->mapping()});
+  return subsystems;
+}
+
 }  // namespace
 
 int checkCommand(int argc, char** argv) {
@@ -77,8 +92,9 @@ int checkCommand(int argc, char** argv) {
   }
   InstallCheck check(idb, *root);
   if (args.spec) {
-    std::fprintf(stderr, "tamblin-cli check: --spec is not available in this build.\n");
-    return 2;
+    std::optional<std::vector<InstallCheck::Subsystem>> subsystems = readSubsystems(*args.spec);
+    if (!subsystems) return 2;
+    check.setSubsystems(std::move(*subsystems));
   }
   const std::vector<std::string> findings = check.run();
   for (const std::string& line : findings) std::printf("%s\n", line.c_str());

@@ -43,10 +43,37 @@ expect 2 "" "Couldn't open idb 'none.idb' (No such file or directory)." "$cli" c
 expect 2 "" "tamblin-cli check: Source Root '$dir/clean.idb' is not a directory." \
   "$cli" check clean.idb --sbase clean.idb
 for args in "" "--sbase" "clean.idb --sbase" "clean.idb missing.idb" "clean.idb --sbase a --sbase b" \
-    "clean.idb -x"; do
+    "clean.idb -x" "clean.idb --spec" "clean.idb --spec a --spec b"; do
   # shellcheck disable=SC2086
   expect 2 "" "$usage" "$cli" check $args
 done
+
+# With a spec: tags no mapping names, subsystems no record lands in.
+cat >p.spec <<'SPEC'
+product p id "P"
+  image sw id "S" version 1
+    subsys base id "B" exp p.sw.base endsubsys
+    subsys lib id "L"
+      exp p.sw.lib
+      exp p.sw.old
+    endsubsys
+    subsys extra id "E" exp p.sw.gone endsubsys
+  endimage
+endproduct
+SPEC
+printf 'f 0755 root sys usr/bin/tool bin/tool p.sw.base\nf 0644 root sys usr/lib/x lib/x p.sw.lib\nf 0644 root sys usr/lib/z lib/x p.sw.new\n' >tags.idb
+expect 1 "tag not mapped by any subsystem: p.sw.new
+subsystem without files: p.sw.extra
+3 entries, 0 not found under $root, 1 tags not in the spec, 1 subsystems without files" "" \
+  "$cli" check tags.idb --sbase tree --spec p.spec
+sed '/subsys extra/d' p.spec >clean.spec
+expect 0 "2 entries, 0 not found under $root, 0 tags not in the spec, 0 subsystems without files" "" \
+  "$cli" check clean.idb --spec clean.spec --sbase tree
+printf 'product p id P\n  image i id I version 1\n  endimage\n  endimage\nendproduct\n' >bad.spec
+expect 2 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
+  "$cli" check clean.idb --sbase tree --spec bad.spec
+expect 2 "" "Unable to access nope.spec (No such file or directory)." \
+  "$cli" check clean.idb --sbase tree --spec nope.spec
 
 [ "$failures" = 0 ] && echo "check: all passed"
 exit $((failures > 0))
