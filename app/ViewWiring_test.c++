@@ -7,6 +7,7 @@
 
 #include <Xm/Label.h>
 #include <Xm/List.h>
+#include <Xm/Text.h>
 #include <Xm/TextF.h>
 #include <sys/stat.h>
 
@@ -23,6 +24,7 @@
 #include "app/ui/LayoutChecks.h"
 #include "build/Generate.h"
 #include "filelist/FileListAdd.h"
+#include "filelist/FileListAttrs.h"
 #include "filelist/FileListModel.h"
 #include "filelist/FileListPerms.h"
 #include "filelist/FileListTags.h"
@@ -170,7 +172,7 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
   const std::string idbFile = dir.write("p.idb",
                                         "f 0644 root sys usr/bin/a src/a my_product.sw.base\n"
                                         "f 0644 root sys usr/bin/b src/b my_product.sw.base\n"
-                                        "f 0644 root sys usr/man/c src/c my_product.man.manpages\n");
+                                        "f 0644 root sys usr/man/c src/c my_product.man.manpages postop(true)\n");
   FileListModel& fileList = *view->fileList();
   ASSERT_TRUE(fileList.setSourceRoot(dir.path()));
 
@@ -213,6 +215,9 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
   EXPECT_EQ(dir.file("src"), view->addPanel()->browsingDirectory());
   EXPECT_EQ("0644", fieldText(find(view->permsPanel(), "modeTextField")));
   EXPECT_EQ("usr/man", fieldText(find(view->permsPanel(), "destDirTextField")));
+  char* postop = XmTextGetString(find(view->attrsPanel(), "attrsPostOpText"));
+  EXPECT_STREQ("true", postop);
+  XtFree(postop);
 
   // Edit Permissions & Destinations: the double-clicked entry gets a new
   // mode; the list follows.
@@ -253,7 +258,7 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
   EXPECT_NE(std::string::npos, log.find("\nforged ")) << log;
   EXPECT_NE(std::string::npos, log.find("-idb " + idbFile)) << log;
   EXPECT_NE(std::string::npos, log.find("-spec " + dir.file("p.spec"))) << log;
-  EXPECT_NE(std::string::npos, dir.read("p.idb").find("f 0755 root sys usr/man/c src/c my_product.docs.manpages"))
+  EXPECT_NE(std::string::npos, dir.read("p.idb").find("f 0755 root sys usr/man/c src/c my_product.docs.manpages postop(true)"))
       << dir.read("p.idb");
   EXPECT_NE(std::string::npos, dir.read("p.spec").find("docs")) << dir.read("p.spec");
   EXPECT_FALSE(fileList.modified());

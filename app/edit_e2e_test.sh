@@ -45,7 +45,11 @@ shows_window() {
   xdotool search --onlyvisible --pid "$1" --name '^Tamblin$' >/dev/null 2>&1
 }
 
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
+# -noreset: without it the server starts over each time its last client
+# leaves (here between the instances), and while it does so an X server
+# started at that moment by another test may take the same display number;
+# the next instance then cannot open the display.
+Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
 xvfb_pid=$!
 poll 20 test -s "$work/display" || fail "Xvfb did not start: $(cat "$work/xvfb.log")"
 export DISPLAY=":$(head -n1 "$work/display")"
@@ -100,7 +104,11 @@ dbus-run-session --config-file="$work/session.conf" -- bash -c '
 # launched for the display.
 env -u DBUS_SESSION_BUS_ADDRESS "$prog" -nofork >"$work/third.out" 2>&1 &
 third_pid=$!
-poll 30 shows_window "$third_pid" || fail "no window without a bus"
+poll 30 shows_window "$third_pid" ||
+  fail "no window without a bus: $(kill -0 "$third_pid" 2>/dev/null && echo running || echo ended)
+$(cat "$work/third.out")
+X server: $(kill -0 "$xvfb_pid" 2>/dev/null && echo running || echo ended) $DISPLAY
+$(cat "$work/xvfb.log")"
 if xprop -root | grep -qi dbus; then fail "a bus was launched: $(xprop -root | grep -i dbus)"; fi
 if xlsatoms | grep -q _DBUS_SESSION_BUS_SELECTION; then fail "a bus was launched for the display"; fi
 echo "edit request end to end: ok"
