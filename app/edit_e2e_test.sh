@@ -46,9 +46,9 @@ shows_window() {
 }
 
 # -noreset: without it the server starts over each time its last client
-# leaves (here between the instances), and while it does so an X server
-# started at that moment by another test may take the same display number;
-# the next instance then cannot open the display.
+# leaves (here between the instances).  With other tests starting X servers
+# at the same time, an instance started then failed with "can't open
+# display" although this server was still running.
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
 xvfb_pid=$!
 poll 20 test -s "$work/display" || fail "Xvfb did not start: $(cat "$work/xvfb.log")"
