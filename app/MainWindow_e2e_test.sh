@@ -18,33 +18,10 @@ set -euo pipefail
 prog=$1
 out=$2
 mkdir -p "$out"
-work=$(mktemp -d)
-xvfb_pid= prog_pid=
-cleanup() {
-  local pid
-  for pid in $prog_pid $xvfb_pid; do
-    kill "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-  done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() { echo "FAIL: $*" >&2; exit 1; }
-
-# poll SECONDS COMMAND...: runs COMMAND every 0.1 s until it succeeds.
-poll() {
-  local deadline=$((SECONDS + $1))
-  shift
-  until "$@"; do
-    (( SECONDS < deadline )) || return 1
-    sleep 0.1
-  done
-}
-
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
-xvfb_pid=$!
-poll 20 test -s "$work/display" || fail "Xvfb did not start: $(cat "$work/xvfb.log")"
-export DISPLAY=":$(head -n1 "$work/display")"
+prog_pid=
+cleanup_pids="prog_pid"
+source "$(dirname "${BASH_SOURCE[0]}")/../tools/xvfb_session.sh"
+start_xvfb
 
 cd "$work"
 "$prog" -nofork >"$work/stdout" 2>"$work/stderr" &

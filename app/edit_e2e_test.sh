@@ -16,26 +16,9 @@ set -euo pipefail
 prog=$1
 cli=$2
 template=$3
-work=$(mktemp -d)
-xvfb_pid= second_pid= third_pid=
-cleanup() {
-  local pid
-  for pid in $third_pid $second_pid $xvfb_pid; do
-    kill "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-  done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() { echo "FAIL: $*" >&2; exit 1; }
-poll() {
-  local deadline=$((SECONDS + $1))
-  shift
-  until "$@"; do
-    (( SECONDS < deadline )) || return 1
-    sleep 0.1
-  done
-}
+second_pid= third_pid=
+cleanup_pids="third_pid second_pid"
+source "$(dirname "${BASH_SOURCE[0]}")/../tools/xvfb_session.sh"
 # True once process $1 shows its "Tamblin" window.  One look at a time:
 # xdotool walks the whole window tree and gives up on an X error when a
 # window it listed is gone before it is queried, which happens while a
@@ -45,14 +28,7 @@ shows_window() {
   xdotool search --onlyvisible --pid "$1" --name '^Tamblin$' >/dev/null 2>&1
 }
 
-# -noreset: without it the server starts over each time its last client
-# leaves (here between the instances).  With other tests starting X servers
-# at the same time, an instance started then failed with "can't open
-# display" although this server was still running.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
-xvfb_pid=$!
-poll 20 test -s "$work/display" || fail "Xvfb did not start: $(cat "$work/xvfb.log")"
-export DISPLAY=":$(head -n1 "$work/display")"
+start_xvfb
 
 # A session bus whose activation directory holds our service file, pointing
 # at the program under test.

@@ -5,27 +5,10 @@
 # Usage: addfiles_e2e_test.sh ADDFILES_DRIVER
 set -u
 driver=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
-work=$(mktemp -d)
-xvfb_pid= driver_pid=
-cleanup() {
-  local pid
-  for pid in $driver_pid $xvfb_pid; do
-    kill "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-  done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
-xvfb_pid=$!
-for _ in $(seq 100); do
-  [[ -s "$work/display" ]] && break
-  kill -0 "$xvfb_pid" 2>/dev/null || { cat "$work/xvfb.log"; exit 1; }
-  sleep 0.1
-done
-[[ -s "$work/display" ]] || { echo "FAIL: Xvfb did not start"; exit 1; }
-export DISPLAY=":$(head -n1 "$work/display")"
+driver_pid=
+cleanup_pids="driver_pid"
+source "$(dirname "${BASH_SOURCE[0]}")/../tools/xvfb_session.sh"
+start_xvfb 1024x768x24
 
 tree=$work/tree
 mkdir -p "$tree/sub/deep"

@@ -9,28 +9,11 @@
 set -euo pipefail
 prog=$1
 shot=${2:-$PWD/graph_add.png}
-work=$(mktemp -d)
-xvfb_pid= prog_pid=
-cleanup() {
-  local pid
-  for pid in $prog_pid $xvfb_pid; do
-    kill "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-  done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() { echo "graph_add_e2e: $*" >&2; exit 1; }
-
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
-xvfb_pid=$!
-for _ in $(seq 100); do
-  [[ -s "$work/display" ]] && break
-  kill -0 "$xvfb_pid" 2>/dev/null || { cat "$work/xvfb.log" >&2; exit 1; }
-  sleep 0.1
-done
-[[ -s "$work/display" ]] || fail "Xvfb did not start"
-export DISPLAY=":$(head -n1 "$work/display")"
+prog_pid=
+cleanup_pids="prog_pid"
+fail_prefix=graph_add_e2e
+source "$(dirname "${BASH_SOURCE[0]}")/../tools/xvfb_session.sh"
+start_xvfb
 unset DBUS_SESSION_BUS_ADDRESS
 
 add='#ff00ff' product='#00ff00' image='#00ffff'

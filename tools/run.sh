@@ -16,28 +16,11 @@ if [[ -n "${DISPLAY:-}" ]]; then
 fi
 
 shot=$PWD/out/run/tamblin.png
-work=$(mktemp -d)
-xvfb_pid= prog_pid=
-cleanup() {
-  local pid
-  for pid in $prog_pid $xvfb_pid; do
-    kill "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-  done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-# Xvfb picks a free display number and writes it to descriptor 3.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
-xvfb_pid=$!
-for _ in $(seq 100); do
-  [[ -s "$work/display" ]] && break
-  kill -0 "$xvfb_pid" 2>/dev/null || { cat "$work/xvfb.log" >&2; exit 1; }
-  sleep 0.1
-done
-[[ -s "$work/display" ]] || { echo "run: Xvfb did not start" >&2; exit 1; }
-export DISPLAY=":$(head -n1 "$work/display")"
+prog_pid=
+cleanup_pids="prog_pid"
+fail_prefix=run
+source tools/xvfb_session.sh
+start_xvfb
 
 "$prog" -nofork "$@" &
 prog_pid=$!

@@ -1,0 +1,52 @@
+# Sourced by the scripts that run a program on a private X server (the
+# end-to-end tests and tools/run.sh).  It gives them:
+#   $work              a scratch directory, removed on exit
+#   cleanup_pids       names of variables holding process ids (set it before
+#                      sourcing); those processes, then the X server, are
+#                      ended on exit
+#   fail MESSAGE       prints "$fail_prefix: MESSAGE" (default FAIL) and exits 1
+#   poll SECONDS CMD   runs CMD every 0.1 s until it succeeds or time is up
+#   start_xvfb [GEOMETRY]  starts Xvfb on a free display and exports DISPLAY
+work=$(mktemp -d)
+xvfb_pid=
+: "${cleanup_pids:=}"
+
+xvfb_session_cleanup() {
+  local name pid
+  for name in $cleanup_pids xvfb_pid; do
+    pid=${!name:-}
+    [[ -n $pid ]] || continue
+    kill "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
+  rm -rf "$work"
+}
+trap xvfb_session_cleanup EXIT
+
+fail() { echo "${fail_prefix:-FAIL}: $*" >&2; exit 1; }
+
+poll() {
+  local deadline=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    (( SECONDS < deadline )) || return 1
+    sleep 0.1
+  done
+}
+
+xvfb_session_ready() {
+  [[ -s "$work/display" ]] || { kill -0 "$xvfb_pid" 2>/dev/null || return 0; return 1; }
+}
+
+start_xvfb() {
+  local geometry=${1:-1280x1024x24}
+  # Xvfb picks a free display number and writes it to descriptor 3.
+  # -noreset: without it the server starts over each time its last client
+  # leaves, and while it does another test's server may take the display.
+  Xvfb -displayfd 3 -screen 0 "$geometry" -nolisten tcp -noreset \
+    3>"$work/display" >/dev/null 2>"$work/xvfb.log" &
+  xvfb_pid=$!
+  poll 20 xvfb_session_ready && [[ -s "$work/display" ]] ||
+    fail "Xvfb did not start: $(cat "$work/xvfb.log")"
+  export DISPLAY=":$(head -n1 "$work/display")"
+}
