@@ -186,6 +186,19 @@ TEST_F(ViewTest, EveryPanelIsShownInItsOwnBody) {
   }
 }
 
+// The browser and the tag list share the "Tag Files" tab; at the window's
+// own size neither may be squeezed down to a row or two.
+TEST_F(ViewTest, TagListAndBrowserBothKeepSeveralRows) {
+  View& v = makeView();
+  for (const char* name : {"*tagsList", "*filesList"}) {
+    Widget list = XtNameToWidget(v.baseWidget(), name);
+    ASSERT_NE(nullptr, list) << name;
+    int rows = 0;
+    XtVaGetValues(list, XmNvisibleItemCount, &rows, nullptr);
+    EXPECT_GE(rows, 4) << name;
+  }
+}
+
 TEST_F(ViewTest, MessageLogColourComesFromTheReadOnlyBackgroundResource) {
   struct Case {
     const char* resource;  // null: the default

@@ -57,8 +57,11 @@ ViewUI::ViewUI(const char* name, Widget parent) : YrComponent(name) {
   _filesBody = XtVaCreateManagedWidget("filesBody", xmPanedWindowWidgetClass, _leftForm, nullptr);
   _addBody = XtVaCreateManagedWidget("addBody", xmFormWidgetClass, _filesBody, XmNheight, 384,
                                      nullptr);
+  // The two bodies ask for more height than the window gives them; without a
+  // floor the paned window takes it all from the lower one and the tag list
+  // shrinks to a single row.
   _tagsBody = XtVaCreateManagedWidget("tagsBody", xmFormWidgetClass, _filesBody, XmNheight, 384,
-                                      nullptr);
+                                      XmNpaneMinimum, 250, nullptr);
   _generateBody = XtVaCreateManagedWidget("generateBody", xmFormWidgetClass, _leftForm, nullptr);
   _attrsBody = XtVaCreateManagedWidget("attrsBody", xmFormWidgetClass, _leftForm, nullptr);
   for (Widget body : {_specBody, _permsBody, _filesBody, _generateBody, _attrsBody})
