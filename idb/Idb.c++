@@ -273,9 +273,13 @@ const idb* Idb::operator[](int i) const {
   return &_records[static_cast<std::size_t>(i)];
 }
 
-idb* Idb::record(int i) {
+idb* Idb::edit(int i) {
   if (i < 0 || i >= count()) return nullptr;
-  return &_records[static_cast<std::size_t>(i)];
+  idb* r = &_records[static_cast<std::size_t>(i)];
+  // The writer copies a record's original line while _lineLength is set;
+  // after any change that line would be stale.
+  r->_lineLength = 0;
+  return r;
 }
 
 int Idb::findIndex(std::string_view dstpath) const {
@@ -405,7 +409,6 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
     r._attrRoom = static_cast<std::uint32_t>(room);
   }
   if (n) std::copy(attrs, attrs + n, r._attrs + old);
-  r._lineLength = 0;
   r._nattrs = static_cast<std::int32_t>(total);
   if (!total) {
     r._attrs = nullptr;
@@ -742,7 +745,7 @@ void Idb::removeItems(std::vector<unsigned> items) {
 }
 
 void Idb::deleteItem(int i) {
-  idb* r = record(i);
+  idb* r = edit(i);
   if (!r) return;
   char t = r->_type;
   std::uint16_t mode = r->_mode;
@@ -783,53 +786,46 @@ void Idb::sort() {
 // ---- Field edits
 
 void Idb::setType(int i, char t) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_type = t;
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setMode(int i, std::uint32_t mode) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_mode = static_cast<std::uint16_t>(mode & 0xFFFF);
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setOwner(int i, std::string_view owner) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_owner = _arena.copy(owner);
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setGroup(int i, std::string_view group) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_group = _arena.copy(group);
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setSrcpath(int i, std::string_view srcpath) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_srcpath = _arena.copy(srcpath);
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setTag(int i, std::string_view tag) {
-  if (idb* r = record(i)) {
+  if (idb* r = edit(i)) {
     r->_tag = _arena.copy(tag);
-    r->_lineLength = 0;
   }
 }
 
 void Idb::setDstpath(int i, std::string_view dstpath) {
-  idb* r = record(i);
+  idb* r = edit(i);
   if (!r) return;
   std::string_view old = r->dstpath();
   r->_dstpath = _arena.copy(dstpath);
-  r->_lineLength = 0;
   if (!_indexValid) return;
   auto it = _index.find(old);
   if (it != _index.end() && it->second == i) {
@@ -850,14 +846,14 @@ void Idb::setDstpath(int i, std::string_view dstpath) {
 // ---- Attributes
 
 void Idb::addAttribute(unsigned item, std::string_view attr) {
-  idb* r = record(static_cast<int>(item) - 1);
+  idb* r = edit(static_cast<int>(item) - 1);
   if (!r || item == 0) return;
   const char* copy = _arena.copy(attr);
   setAttributes(*r, &copy, 1, true);
 }
 
 void Idb::parseAttributes(unsigned item, std::string_view text) {
-  idb* r = record(static_cast<int>(item) - 1);
+  idb* r = edit(static_cast<int>(item) - 1);
   if (!r || item == 0) return;
   // Cut at a NUL, as the C string the text stands for would be.
   text = text.substr(0, text.find('\0'));
@@ -867,7 +863,7 @@ void Idb::parseAttributes(unsigned item, std::string_view text) {
 }
 
 void Idb::deleteAttributes(unsigned item) {
-  idb* r = record(static_cast<int>(item) - 1);
+  idb* r = edit(static_cast<int>(item) - 1);
   if (!r || item == 0 || r->_nattrs == 0) return;
   std::vector<const char*> kept;
   for (int a = 0; a < r->_nattrs; ++a)

@@ -199,7 +199,9 @@ class Idb {
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);
   void formatLines(std::string& out, std::size_t from, std::size_t to) const;
-  idb* record(int i);
+  /// Record i for a change, or null when out of range.  Every edit of a
+  /// record goes through here, so its cached line is dropped exactly once.
+  idb* edit(int i);
   void indexChanged() { _indexValid = false; }
   void indexAdded(int i);
 

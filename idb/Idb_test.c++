@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
 #include <thread>
@@ -503,6 +504,38 @@ TEST(IdbEditTest, CopiesAreIndependent) {
   Idb third(undo);
   undo.clear();
   EXPECT_EQ("f 0644 root sys a a t x grown theirs", third.line(0));
+}
+
+TEST(IdbEditTest, EveryEditIsWrittenNotTheLineItWasReadFrom) {
+  // A record read from a line the writer would produce is written by
+  // copying that line; an edit that did not drop it would be lost on save.
+  const std::string original = "f 0644 root sys dst src t.i.s x";
+  struct Case {
+    const char* what;
+    std::function<void(Idb&)> edit;
+    const char* expected;
+  } cases[] = {
+      {"type", [](Idb& db) { db.setType(0, 'd'); }, "d 0644 root sys dst src t.i.s x"},
+      {"mode", [](Idb& db) { db.setMode(0, 0755); }, "f 0755 root sys dst src t.i.s x"},
+      {"owner", [](Idb& db) { db.setOwner(0, "bin"); }, "f 0644 bin sys dst src t.i.s x"},
+      {"group", [](Idb& db) { db.setGroup(0, "adm"); }, "f 0644 root adm dst src t.i.s x"},
+      {"dstpath", [](Idb& db) { db.setDstpath(0, "d2"); }, "f 0644 root sys d2 src t.i.s x"},
+      {"srcpath", [](Idb& db) { db.setSrcpath(0, "s2"); }, "f 0644 root sys dst s2 t.i.s x"},
+      {"tag", [](Idb& db) { db.setTag(0, "p.i.t"); }, "f 0644 root sys dst src p.i.t x"},
+      {"addAttribute", [](Idb& db) { db.addAttribute(1, "y"); }, "f 0644 root sys dst src t.i.s x y"},
+      {"parseAttributes", [](Idb& db) { db.parseAttributes(1, "y z"); },
+       "f 0644 root sys dst src t.i.s x y z"},
+      {"deleteAttributes", [](Idb& db) { db.deleteAttributes(1); }, "f 0644 root sys dst src t.i.s"},
+  };
+  for (const Case& c : cases) {
+    Idb db = parsed(original + "\n");
+    ASSERT_EQ(original, db.line(0));
+    c.edit(db);
+    EXPECT_EQ(c.expected, db.line(0)) << c.what;
+    std::string all;
+    db.write(all, 0);
+    EXPECT_EQ(c.expected, all) << c.what;
+  }
 }
 
 TEST(IdbEditTest, FindFollowsEveryChange) {
