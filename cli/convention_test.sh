@@ -41,6 +41,9 @@ run --help
 check "--help" 0 "$out" ""
 listing=$out
 [[ $listing == *"Exit status:"* ]] || fail "--help does not give the exit statuses"
+"$cli" --help >/dev/full 2>err.txt
+[[ $? == 2 && $(cat err.txt) == "Couldn't write help to standard output (No space left on device)." ]] ||
+  fail "--help >/dev/full: $(cat err.txt)"
 run
 [[ $rc == 2 && -z $out && $err == usage:* ]] || fail "no subcommand: status $rc, stdout '$out'"
 run frobnicate
@@ -59,7 +62,8 @@ for sub in format sort check edit; do
   line=${out%%$'\n'*}
   [[ $listing == *"  ${line#usage: tamblin-cli }"* ]] || fail "$sub: '$line' is not in --help"
   "$cli" $sub --help >/dev/full 2>err.txt
-  [[ $? == 2 && $(cat err.txt) == *"No space left on device"* ]] || fail "$sub --help >/dev/full: $(cat err.txt)"
+  [[ $? == 2 && $(cat err.txt) == "Couldn't write help to standard output (No space left on device)." ]] ||
+    fail "$sub --help >/dev/full: $(cat err.txt)"
   run $sub --bogus
   [[ $rc == 2 && -z $out && $err == "tamblin-cli $sub: unknown option '--bogus'"$'\n'"usage: tamblin-cli $sub "* ]] ||
     fail "$sub --bogus: status $rc, stdout '$out', stderr '$err'"

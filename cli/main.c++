@@ -75,8 +75,12 @@ int main(int argc, char** argv) {
     return kCliTrouble;
   }
   if (!std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
+    errno = 0;
     usage(stdout);
-    return std::fflush(stdout) == 0 && !std::ferror(stdout) ? kCliOk : kCliTrouble;
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return kCliOk;
+    std::fprintf(stderr, "Couldn't write help to standard output (%s).\n",
+                 std::strerror(errno ? errno : EIO));
+    return kCliTrouble;
   }
   for (const Subcommand& s : kSubcommands)
     if (s.name && !std::strcmp(s.name, argv[1])) return s.run(argc - 1, argv + 1);
