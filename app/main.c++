@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "app/AppDefaultsPath.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
 #include "yr/YrFormat.h"
@@ -23,6 +24,7 @@ std::string banner() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  useInstalledAppDefaults();
   auto* app = new MyApp("Tamblin", &argc, argv, nullptr, 0, "ORVEX_TAMBLIN");
   if (!app->nofork) {
     std::fflush(nullptr);

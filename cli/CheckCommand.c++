@@ -1,60 +1,48 @@
-// tamblin-cli check IDB [--sbase DIR] [--spec SPEC]: the checks the program
-// makes before building, for packaging scripts.  Prints one line per problem
-// and a summary; exit 0 when clean, 1 when something was reported, 2 when
-// the input cannot be read.
+// tamblin-cli check IDB [--sbase DIR] [--spec SPEC] [-o OUT] [-v]: the
+// checks the program makes before building, for packaging scripts.  Prints
+// one line per problem and a summary.
 #include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/CliCommand.h"
+#include "cli/CliInput.h"
 #include "cli/Subcommands.h"
 #include "filelist/InstallCheck.h"
 #include "idb/Idb.h"
 #include "spec/SpecGraphModel.h"
-#include "util/Reporter.h"
 #include "util/Utils.h"
 
 namespace {
 
-const char kUsage[] = "usage: tamblin-cli check IDB [--sbase DIR] [--spec SPEC]\n";
-
-struct Arguments {
-  std::string idb;
-  std::optional<std::string> sbase;
-  std::optional<std::string> spec;
-};
-
-bool parse(int argc, char** argv, Arguments* args) {
-  bool haveIdb = false;
-  for (int i = 1; i < argc; i++) {
-    std::optional<std::string>* option = nullptr;
-    if (!std::strcmp(argv[i], "--sbase"))
-      option = &args->sbase;
-    else if (!std::strcmp(argv[i], "--spec"))
-      option = &args->spec;
-    if (option) {
-      if (i + 1 >= argc || *option) return false;
-      *option = argv[++i];
-    } else if (!haveIdb && argv[i][0] != '-') {
-      args->idb = argv[i];
-      haveIdb = true;
-    } else {
-      return false;
-    }
-  }
-  return haveIdb;
-}
+const CliCommand::Spec kSpec = {
+    "check", "IDB [--sbase DIR] [--spec SPEC] [-o OUT] [-v]",
+    "Checks the idb file IDB as the program does before a build: one line for each\n"
+    "source file missing under the source root, then a summary line.  With --spec,\n"
+    "also the tags no subsystem of SPEC maps and the subsystems no file lands in.\n"
+    "\n"
+    "  --sbase DIR  the source root (default: $SBASE, else the current directory)\n"
+    "  --spec SPEC  the spec file to hold the tags against\n"
+    "  -o OUT       write the report to OUT instead of standard output; -o - is\n"
+    "               standard output\n"
+    "  -v           report what was read on standard error\n"
+    "\n"
+    "Exit status: 0 nothing found; 1 problems found, IDB or SPEC holds errors, or\n"
+    "OUT is not a regular file; 2 usage error, or a file or directory that cannot\n"
+    "be read or written.\n",
+    1, 1, {"--sbase", "--spec", "-o"}};
 
 // The source root as the program takes it: the option, else "SBASE", else
 // the current directory.
-std::optional<std::string> sourceRoot(const Arguments& args) {
+std::optional<std::string> sourceRoot(const CliCommand& command) {
   const char* sbase = std::getenv("SBASE");
-  const std::string root = normalize(args.sbase ? *args.sbase : sbase ? sbase : "");
+  const std::optional<std::string> given = command.option("--sbase");
+  const std::string root = normalize(given ? *given : sbase ? sbase : "");
   struct stat st;
   if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
     std::fprintf(stderr, "tamblin-cli check: Source Root '%s' is not a directory.\n", root.c_str());
@@ -63,42 +51,37 @@ std::optional<std::string> sourceRoot(const Arguments& args) {
   return root;
 }
 
-// The subsystems of the spec file with their mappings; nothing when the file
-// cannot be read whole (the reader's messages go to standard error).
-std::optional<std::vector<InstallCheck::Subsystem>> readSubsystems(const std::string& spec) {
-  StreamReporter reporter(stderr);
-  SpecGraphModel graph(&reporter);
-  if (!graph.open(spec) || !graph.lastReadReport().clean()) return std::nullopt;
-  std::vector<InstallCheck::Subsystem> subsystems;
+// The subsystems of the spec with their mappings.
+std::vector<InstallCheck::Subsystem> subsystems(const SpecGraphModel& graph) {
+  std::vector<InstallCheck::Subsystem> out;
   for (const SpecNode* node : graph.nodes())
-    if (node->level() == 3) subsystems.push_back({node->getTag(), node->mapping()});
-  return subsystems;
+    if (node->level() == 3) out.push_back({node->getTag(), node->mapping()});
+  return out;
 }
 
 }  // namespace
 
 int checkCommand(int argc, char** argv) {
-  Arguments args;
-  if (!parse(argc, argv, &args)) {
-    std::fputs(kUsage, stderr);
-    return 2;
-  }
-  std::optional<std::string> root = sourceRoot(args);
-  if (!root) return 2;
+  CliCommand command(kSpec);
+  if (std::optional<int> status = command.parse(argc, argv)) return *status;
+  const std::string& idbFile = command.operands()[0];
+  std::optional<std::string> root = sourceRoot(command);
+  if (!root) return kCliTrouble;
   Idb idb;
-  if (std::optional<std::string> message = idb.open(args.idb)) {
-    std::fprintf(stderr, "%s\n", message->c_str());
-    return 2;
-  }
+  if (std::optional<int> status = loadIdb(idb, idbFile)) return *status;
+  command.note("Read idb '" + idbFile + "'.");
   InstallCheck check(idb, *root);
-  if (args.spec) {
-    std::optional<std::vector<InstallCheck::Subsystem>> subsystems = readSubsystems(*args.spec);
-    if (!subsystems) return 2;
-    check.setSubsystems(std::move(*subsystems));
+  if (std::optional<std::string> spec = command.option("--spec")) {
+    SpecGraphModel graph(&command.reporter());
+    if (std::optional<int> status = loadSpec(graph, *spec)) return *status;
+    command.note("Read spec '" + *spec + "'.");
+    check.setSubsystems(subsystems(graph));
   }
   const std::vector<std::string> findings = check.run();
-  for (const std::string& line : findings) std::printf("%s\n", line.c_str());
-  std::printf("%s\n", check.summary().c_str());
-  if (std::fflush(stdout) != 0 || std::ferror(stdout)) return 2;
-  return findings.empty() ? 0 : 1;
+  const int written = command.writeResult("report", [&](std::FILE* out) {
+    for (const std::string& line : findings) std::fprintf(out, "%s\n", line.c_str());
+    std::fprintf(out, "%s\n", check.summary().c_str());
+  });
+  if (written != kCliOk) return written;
+  return findings.empty() ? kCliOk : kCliBad;
 }

@@ -1,22 +1,35 @@
-// tamblin-cli edit DIR SPEC IDB DIST: asks the running program (started by
-// the session bus when none runs) to enter DIR, open SPEC and IDB and use
-// DIST as its distribution directory.  An empty argument leaves that part
-// as it is.  Prints the status the program replies (0, or -1 when something
-// failed); exit 0 for status 0, 1 for another status, 2 when the request
-// could not be delivered.
+// tamblin-cli edit DIR SPEC IDB DIST [-v]: asks the running program
+// (started by the session bus when none runs) to enter DIR, open SPEC and
+// IDB and use DIST as its distribution directory.
 #include <dbus/dbus.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <vector>
 
+#include "cli/CliCommand.h"
 #include "cli/Subcommands.h"
 #include "util/EditService.h"
 #include "util/Utils.h"
 
 namespace {
 
-const char kUsage[] = "usage: tamblin-cli edit DIR SPEC IDB DIST\n";
+const CliCommand::Spec kSpec = {
+    "edit", "DIR SPEC IDB DIST [-v]",
+    "Asks the running Tamblin (started through the session bus when none runs) to\n"
+    "enter the directory DIR, open the spec file SPEC and the idb file IDB, and use\n"
+    "DIST as its distribution directory.  An empty argument (\"\") leaves that part\n"
+    "as it is.  Prints the status the program replies: 0, or -1 when the directory\n"
+    "could not be entered or a file could not be opened (the program shows why).\n"
+    "\n"
+    "  -v   report the request on standard error\n"
+    "\n"
+    "Exit status: 0 the program replied 0; 1 it replied another status; 2 usage\n"
+    "error, or the request could not be delivered (no session bus, no reply).\n",
+    4, 4, {}};
+
 // The program may first have to be started by the bus.
 const int kReplyTimeoutMs = 120000;
 
@@ -24,25 +37,26 @@ int fail(const char* what, DBusError* error) {
   std::fprintf(stderr, "tamblin-cli edit: %s%s%s\n", what, error && error->message ? ": " : "",
                error && error->message ? error->message : "");
   if (error) dbus_error_free(error);
-  return 2;
+  return kCliTrouble;
 }
 
 }  // namespace
 
 int editCommand(int argc, char** argv) {
-  if (argc != 5) {
-    std::fputs(kUsage, stderr);
-    return 2;
-  }
+  CliCommand command(kSpec);
+  if (std::optional<int> status = command.parse(argc, argv)) return *status;
+  const std::vector<std::string>& args = command.operands();
   // libdbus would launch a private bus of its own without an address.
   const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-  if (!address || !*address) return fail("no session bus (DBUS_SESSION_BUS_ADDRESS is not set)", nullptr);
+  if (!address || !*address)
+    return fail("no session bus (DBUS_SESSION_BUS_ADDRESS is not set)", nullptr);
 
   // The program does not share our working directory: a relative DIR is
   // taken from ours.
-  std::string dir = argv[1];
+  std::string dir = args[0];
   if (!dir.empty()) dir = normalize(dir);
-  const char* values[4] = {dir.c_str(), argv[2], argv[3], argv[4]};
+  const char* values[4] = {dir.c_str(), args[1].c_str(), args[2].c_str(), args[3].c_str()};
+  command.note("Asking " + std::string(kEditServiceBusName) + " to edit '" + dir + "'.");
 
   DBusError error;
   dbus_error_init(&error);
@@ -64,7 +78,9 @@ int editCommand(int argc, char** argv) {
     result = fail("unexpected reply", &error);
   } else {
     std::printf("%d\n", static_cast<int>(status));
-    result = status == 0 ? 0 : 1;
+    result = status == 0 ? kCliOk : kCliBad;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+      result = fail("cannot write standard output", nullptr);
   }
   if (reply) dbus_message_unref(reply);
   dbus_connection_close(connection);

@@ -1,52 +1,52 @@
-// tamblin-cli sort IDB [-o OUT]: opens an idb as the program's Open does and
-// saves it as Save does, sorted by destination path.
+// tamblin-cli sort IDB [-o OUT] [-v]: opens an idb as the program's Open
+// does and writes it as Save does, sorted by destination path.
 #include <cstdio>
-#include <cstring>
 #include <string>
 
+#include "cli/CliCommand.h"
+#include "cli/CliInput.h"
 #include "cli/Subcommands.h"
 #include "idb/Idb.h"
 
 namespace {
 
-int usage() {
-  std::fprintf(stderr, "usage: tamblin-cli sort IDB [-o OUT]\n");
-  return 2;
+const CliCommand::Spec kSpec = {
+    "sort", "IDB [-o OUT] [-v]",
+    "Reads the idb file IDB and writes its records sorted by destination path, as\n"
+    "the program saves an idb.  Comment lines (\"#...\") and empty lines are dropped,\n"
+    "as the program drops them when it reads an idb.  Nothing is written unless IDB\n"
+    "was read without error.  To sort a file in place: tamblin-cli sort F -o F.\n"
+    "\n"
+    "  -o OUT   write to OUT (replaced all at once) instead of standard output;\n"
+    "           -o - is standard output\n"
+    "  -v       report the save on standard error\n"
+    "\n"
+    "Exit status: 0 written; 1 IDB holds a bad line, or OUT is not a regular file;\n"
+    "2 usage error, or a file that cannot be read or written.\n",
+    1, 1, {"-o"}};
+
+// The records in save order, one line each.
+void writeSorted(Idb& db, std::FILE* out) {
+  db.sort();
+  std::string text, line;
+  for (int i = 0; i < db.count(); ++i) {
+    db.write(line, static_cast<unsigned>(i));
+    text += line;
+    text += '\n';
+    if (text.size() >= (1u << 16)) {
+      std::fwrite(text.data(), 1, text.size(), out);
+      text.clear();
+    }
+  }
+  std::fwrite(text.data(), 1, text.size(), out);
 }
 
 }  // namespace
 
 int sortCommand(int argc, char** argv) {
-  std::string in;
-  std::string out;
-  for (int i = 1; i < argc; ++i) {
-    if (!std::strcmp(argv[i], "-o")) {
-      if (++i == argc || !out.empty()) return usage();
-      out = argv[i];
-    } else if (!std::strcmp(argv[i], "--help") || !std::strcmp(argv[i], "-h")) {
-      std::printf("usage: tamblin-cli sort IDB [-o OUT]\n"
-                  "Sorts an idb by destination path, into OUT or back into IDB.\n");
-      return 0;
-    } else if (argv[i][0] == '-' && argv[i][1] != '\0') {
-      std::fprintf(stderr, "tamblin-cli sort: unknown option '%s'\n", argv[i]);
-      return usage();
-    } else if (in.empty()) {
-      in = argv[i];
-    } else {
-      return usage();
-    }
-  }
-  if (in.empty()) return usage();
-
+  CliCommand command(kSpec);
+  if (std::optional<int> status = command.parse(argc, argv)) return *status;
   Idb db;
-  if (auto message = db.open(in)) {
-    std::fprintf(stderr, "%s\n", message->c_str());
-    return 1;
-  }
-  std::string target = out.empty() ? in : out;
-  if (int err = db.save(target)) {
-    std::fprintf(stderr, "Couldn't save idb '%s' (%s).\n", target.c_str(), std::strerror(err));
-    return 1;
-  }
-  return 0;
+  if (std::optional<int> status = loadIdb(db, command.operands()[0])) return *status;
+  return command.writeResult("idb", [&db](std::FILE* out) { writeSorted(db, out); });
 }

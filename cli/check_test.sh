@@ -26,7 +26,7 @@ printf 'f 0755 root sys usr/bin/tool bin/tool p.sw.base\nf 0644 root sys usr/lib
 printf 'f 0644 root sys usr/lib/x lib/x p.sw.lib\nf 0644 root sys usr/y y p.sw.lib\n' >missing.idb
 printf 'f 0644 root sys a a t\nf 0644 root sys b b\n' >bad.idb
 root=$(cd tree && pwd -P)
-usage='usage: tamblin-cli check IDB [--sbase DIR] [--spec SPEC]'
+usage='usage: tamblin-cli check IDB [--sbase DIR] [--spec SPEC] [-o OUT] [-v]'
 
 unset SBASE
 expect 0 "2 entries, 0 not found under $root" "" "$cli" check clean.idb --sbase tree
@@ -38,15 +38,24 @@ SBASE=$dir/other expect 1 "not found: lib/x (installs as usr/lib/x)
 (cd tree && expect 0 "2 entries, 0 not found under $root" "" "$cli" check ../clean.idb
   exit $((failures > 0))) || failures=$((failures + 1))
 
-expect 2 "" "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" check bad.idb --sbase tree
+expect 1 "" "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" check bad.idb --sbase tree
 expect 2 "" "Couldn't open idb 'none.idb' (No such file or directory)." "$cli" check none.idb --sbase tree
 expect 2 "" "tamblin-cli check: Source Root '$dir/clean.idb' is not a directory." \
   "$cli" check clean.idb --sbase clean.idb
-for args in "" "--sbase" "clean.idb --sbase" "clean.idb missing.idb" "clean.idb --sbase a --sbase b" \
-    "clean.idb -x" "clean.idb --spec" "clean.idb --spec a --spec b"; do
+while IFS='|' read -r args why; do
   # shellcheck disable=SC2086
-  expect 2 "" "$usage" "$cli" check $args
-done
+  expect 2 "" "tamblin-cli check: $why
+$usage" "$cli" check $args
+done <<'CASES'
+|too few arguments
+--sbase|option '--sbase' needs a value
+clean.idb --sbase|option '--sbase' needs a value
+clean.idb missing.idb|too many arguments
+clean.idb --sbase a --sbase b|option '--sbase' given twice
+clean.idb -x|unknown option '-x'
+clean.idb --spec|option '--spec' needs a value
+clean.idb --spec a --spec b|option '--spec' given twice
+CASES
 
 # With a spec: tags no mapping names, subsystems no record lands in.
 cat >p.spec <<'SPEC'
@@ -70,7 +79,7 @@ sed '/subsys extra/d' p.spec >clean.spec
 expect 0 "2 entries, 0 not found under $root, 0 tags not in the spec, 0 subsystems without files" "" \
   "$cli" check clean.idb --spec clean.spec --sbase tree
 printf 'product p id P\n  image i id I version 1\n  endimage\n  endimage\nendproduct\n' >bad.spec
-expect 2 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
+expect 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
   "$cli" check clean.idb --sbase tree --spec bad.spec
 expect 2 "" "Unable to access nope.spec (No such file or directory)." \
   "$cli" check clean.idb --sbase tree --spec nope.spec

@@ -41,18 +41,29 @@ good='product p
     endimage
 endproduct'
 expect "includes beside the including file" 0 "$good" "" -- sub/p.spec
-expect "to a file" 0 "" "Saved spec 'out.spec'." -- sub/p.spec -o out.spec
+expect "to a file, silently" 0 "" "" -- sub/p.spec -o out.spec
 [[ "$(cat out.spec)" == "$good" ]] || { echo "FAIL out.spec content"; failures=$((failures + 1)); }
 
 printf 'product p id P\n  image i id I version 1\n  endimage\n  endimage\nendproduct\n' > bad.spec
 expect "syntax error" 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
   -- bad.spec -o never.spec
 [[ ! -e never.spec ]] || { echo "FAIL never.spec was written"; failures=$((failures + 1)); }
-expect "missing file" 1 "" "Unable to access nope.spec (No such file or directory)." -- nope.spec
+expect "missing file" 2 "" "Unable to access nope.spec (No such file or directory)." -- nope.spec
 printf 'include gone.spec\nproduct p id P endproduct\n' > inc.spec
-expect "missing include" 1 "" "Unable to access gone.spec (No such file or directory)." -- inc.spec
-expect "not a regular file" 1 "" "Warning: 'sub' is not a regular file.
+expect "missing include" 2 "" "Unable to access gone.spec (No such file or directory)." -- inc.spec
+expect "not a regular file" 2 "" "'sub' is not a regular file.
 Try again." -- sub
-expect "usage" 2 "" "usage: tamblin-cli format SPEC [-o OUT]" --
+usage="usage: tamblin-cli format SPEC [-o OUT] [-v]"
+expect "usage" 2 "" "tamblin-cli format: too few arguments
+$usage" --
+expect "two specs" 2 "" "tamblin-cli format: too many arguments
+$usage" -- sub/p.spec bad.spec
+
+# A token over the lexer's limit ends the program; its message must not
+# land in the output.
+{ printf 'product p id '; head -c 1200 /dev/zero | tr '\0' x; printf '\nendproduct\n'; } > long.spec
+expect "token over the limit" 1 "" "Input string too long, limit 1000" -- long.spec
+expect "token over the limit, -o" 1 "" "Input string too long, limit 1000" -- long.spec -o long.out
+[[ ! -e long.out ]] || { echo "FAIL long.out was written"; failures=$((failures + 1)); }
 
 exit $((failures > 0))

@@ -2,7 +2,7 @@
 # Behaviour of `tamblin-cli sort`: output, exit codes, and that nothing is
 # written when the input cannot be read.  Usage: sort_test.sh TAMBLIN_CLI
 set -u
-cli=$1
+cli=$(realpath "$1")
 dir=$(mktemp -d)
 trap 'rm -rf "$dir"' EXIT
 cd "$dir"
@@ -27,36 +27,48 @@ cp in.idb in.orig
 cp bad.idb bad.orig
 
 expect 0 "" "$cli" --help
-grep -q '^  sort IDB \[-o OUT\]' out.txt || fail "--help does not list sort"
+grep -q '^  sort IDB \[-o OUT\] \[-v\]' out.txt || fail "--help does not list sort"
 
+# Standard output by default; the comment line is dropped.
+expect 0 "" "$cli" sort in.idb
+same out.txt sorted
+same in.idb in.orig
 expect 0 "" "$cli" sort in.idb -o out.idb
 same out.idb sorted
 same in.idb in.orig
+[ -s out.txt ] && fail "-o OUT also wrote standard output"
 
+# In place, through a symbolic link.
 cp in.idb inplace.idb
 ln -s inplace.idb link.idb
-expect 0 "" "$cli" sort link.idb
+expect 0 "" "$cli" sort link.idb -o link.idb
 same inplace.idb sorted
 [ -L link.idb ] || fail "saving through a link replaced the link"
 
 expect 1 "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" sort bad.idb -o never.idb
 [ -e never.idb ] && fail "output written after a read failure"
-expect 1 "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" sort bad.idb
+expect 1 "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" sort bad.idb -o bad.idb
 same bad.idb bad.orig
+[ -s out.txt ] && fail "output written after a read failure"
 
 printf 'f 0644 root sys a a t\nf 0644 r\0t sys b b t\n' >nul.idb
 expect 1 "Couldn't read idb 'nul.idb' (Unexpected NUL byte on line 2)." "$cli" sort nul.idb -o never.idb
 [ -e never.idb ] && fail "output written after a NUL byte"
 
-expect 1 "Couldn't open idb 'missing.idb' (No such file or directory)." "$cli" sort missing.idb
+expect 2 "Couldn't open idb 'missing.idb' (No such file or directory)." "$cli" sort missing.idb
 [ -e missing.idb ] && fail "missing input was created"
 
-expect 1 "Couldn't save idb 'no/dir/x.idb' (No such file or directory)." "$cli" sort in.idb -o no/dir/x.idb
+expect 2 "Couldn't open idb 'no/dir/x.idb' (No such file or directory)." "$cli" sort in.idb -o no/dir/x.idb
 
-usage="usage: tamblin-cli sort IDB [-o OUT]"
-expect 2 "$usage" "$cli" sort
-expect 2 "$usage" "$cli" sort a.idb b.idb
-expect 2 "$usage" "$cli" sort in.idb -o
+usage="usage: tamblin-cli sort IDB [-o OUT] [-v]"
+expect 2 "tamblin-cli sort: too few arguments
+$usage" "$cli" sort
+expect 2 "tamblin-cli sort: too many arguments
+$usage" "$cli" sort a.idb b.idb
+expect 2 "tamblin-cli sort: option '-o' needs a value
+$usage" "$cli" sort in.idb -o
+expect 2 "tamblin-cli sort: option '-o' given twice
+$usage" "$cli" sort in.idb -o a -o b
 expect 2 "tamblin-cli sort: unknown option '-x'
 $usage" "$cli" sort -x in.idb
 same in.idb in.orig

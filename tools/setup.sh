@@ -18,6 +18,8 @@ packages=(
   libre2-dev
   # driving and looking at the interface in tests
   xvfb xauth x11-utils xdotool imagemagick
+  # judging what is installed: manual pages, the desktop entry
+  groff-base man-db desktop-file-utils
 )
 
 missing=()

@@ -195,3 +195,9 @@ void outOfMemory() {
   std::fputs("Malloc failed\n", stderr);
   std::exit(-1);
 }
+
+std::string notRegularFileMessage(const std::string& path) {
+  struct stat st;
+  if (::stat(path.c_str(), &st) != 0 || S_ISREG(st.st_mode)) return std::string();
+  return "'" + path + "' is not a regular file.\nTry again.";
+}

@@ -59,4 +59,9 @@ std::string mypathexpandtilde(const std::string& path);
 /// The program installs it with std::set_new_handler.
 [[noreturn]] void outOfMemory();
 
+/// "'%s' is not a regular file.\nTry again." with path when path exists
+/// (links followed) and is not a regular file: a save must not replace a
+/// directory, a device or a pipe.  "" otherwise, also when path is missing.
+std::string notRegularFileMessage(const std::string& path);
+
 #endif

@@ -1,6 +1,7 @@
 #include "util/Utils.h"
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -146,6 +147,23 @@ TEST(UtilsTest, SamePathComparesInodesNotTexts) {
       {missing, missing + "/", false},
   };
   for (const auto& c : cases) EXPECT_EQ(c.same, samePath(c.a, c.b)) << c.a << " vs " << c.b;
+}
+
+TEST(UtilsTest, NotRegularFileMessageNamesWhatASaveMustNotReplace) {
+  TempDir dir;
+  const std::string f = dir.write("f", "x"), d = dir.mkdir("d");
+  ASSERT_EQ(0, symlink(f.c_str(), dir.file("to-file").c_str()));
+  ASSERT_EQ(0, symlink(d.c_str(), dir.file("to-dir").c_str()));
+  ASSERT_EQ(0, mkfifo(dir.file("fifo").c_str(), 0600));
+  const std::vector<std::pair<std::string, bool>> cases = {
+      {f, false}, {dir.file("to-file"), false}, {dir.file("missing"), false},
+      {d, true},  {dir.file("to-dir"), true},   {dir.file("fifo"), true},
+      {"/dev/null", true},
+  };
+  for (const auto& [path, refused] : cases)
+    EXPECT_EQ(refused ? "'" + path + "' is not a regular file.\nTry again." : "",
+              notRegularFileMessage(path))
+        << path;
 }
 
 TEST(UtilsTest, TrimCurrentStripsTheCurrentDirectory) {
