@@ -6,6 +6,7 @@
 
 #include "cli/Subcommands.h"
 #include "idb/Idb.h"
+#include "util/AtomicFile.h"
 
 namespace {
 
@@ -45,7 +46,11 @@ int sortCommand(int argc, char** argv) {
   }
   std::string target = out.empty() ? in : out;
   if (int err = db.save(target)) {
-    std::fprintf(stderr, "Couldn't save idb '%s' (%s).\n", target.c_str(), std::strerror(err));
+    if (err == AtomicFile::kNotRegular)
+      std::fprintf(stderr, "'%s' is not a regular file.\nTry again.\n", target.c_str());
+    else
+      std::fprintf(stderr, "Couldn't save idb '%s' (%s).\n", target.c_str(),
+                   AtomicFile::describe(err).c_str());
     return 1;
   }
   return 0;
