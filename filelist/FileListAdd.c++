@@ -334,10 +334,18 @@ void FileListAdd::addSelectedFiles() {
   PanelBusy busy;
   StringSet newItems("New Items");
   int count = 0;
+  const std::string root = _fileList->sourceRoot();
   for (int pos : positions) {
     XmListSetBottomPos(_filesList, pos);
     const std::string path =
         dcanon(BrowserDirectory::entryPath(browsingDirectory(), _names[pos - 1]));
+    if (!BrowserDirectory::isUnder(root, path)) {
+      // "../" at the source root: searching it would list the whole tree
+      // above the root, none of which can be added.
+      log("Skipped '" + path + "': it is outside Source Root '" + root + "'.");
+      if (_reporter) _reporter->showMessages();
+      continue;
+    }
     if (!isDirectory(path)) {
       newItems.add(path);
       ++count;
