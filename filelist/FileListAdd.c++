@@ -361,6 +361,8 @@ void FileListAdd::addSelectedFiles() {
   paths.reserve(newItems.count());
   for (int i = 0; i < newItems.count(); i++) paths.emplace_back(newItems.item(i));
   _fileList->add(paths);
+  // Entries whose names the file list skipped lose the mark set above.
+  refresh();
   XmListDeselectAllItems(_filesList);
 }
 

@@ -318,13 +318,18 @@ int AtomicFile::replace() {
 
 int AtomicFile::writeInPlace() {
   off_t newSize = sizeOf(_tempFd);
+  if (newSize < 0) return errno;
   int readFd = retryOpen(_resolved.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK);
   if (readFd < 0) return errno;  // no way to keep the old text safe
   struct stat st;
-  if (fstat(readFd, &st) != 0 || !S_ISREG(st.st_mode)) {
-    int err = errno ? errno : EIO;
+  if (fstat(readFd, &st) != 0) {
+    int err = errno;
     close(readFd);
-    return S_ISREG(st.st_mode) ? err : kNotRegular;
+    return err;
+  }
+  if (!S_ISREG(st.st_mode)) {
+    close(readFd);
+    return kNotRegular;
   }
   off_t oldSize = st.st_size;
   std::vector<char> buf(1 << 20);

@@ -18,6 +18,11 @@
 //   error) even when this process is killed.  So the target is always the
 //   whole old or the whole new text.
 //
+// On a file system without unnamed files, a named temporary (".NAME.XXXXXX"
+// beside the target) takes the unnamed one's place, and a killed save can
+// leave it behind.  Replacing by rename also names the temporary for the
+// moment between linking it and renaming it.
+//
 // A target that exists and is not a regular file (a directory, FIFO or device)
 // is refused with kNotRegular before anything is opened for writing; one the
 // user may not write is refused with the error fopen("w") would give.  Every
