@@ -617,13 +617,9 @@ int Idb::save(const std::string& file) {
   // The records are sorted in memory before they are written; when the
   // write fails they go back to the order the caller knows, so that its
   // positions (the list's lines and selection) still name the same records.
+  // The array they were in is kept rather than copied.
   std::vector<idb> unsorted;
-  if (!std::is_sorted(_records.begin(), _records.end(), [](const idb& a, const idb& b) {
-        return a.dstpath() < b.dstpath();
-      })) {
-    unsorted = _records;
-    sort();
-  }
+  sort(&unsorted);
   auto fail = [this, &unsorted](int err) {
     if (!unsorted.empty()) {
       _records.swap(unsorted);
@@ -809,7 +805,9 @@ void Idb::clear() {
   _indexValid = false;
 }
 
-void Idb::sort() {
+void Idb::sort() { sort(nullptr); }
+
+void Idb::sort(std::vector<idb>* previous) {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
   // Gathered into a new array: the reads jump about, but their order is
@@ -825,6 +823,7 @@ void Idb::sort() {
     sorted.push_back(_records[order[j]]);
   }
   _records.swap(sorted);
+  if (previous) previous->swap(sorted);
   indexChanged();
 }
 

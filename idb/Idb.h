@@ -213,6 +213,9 @@ class Idb {
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);
   void formatLines(std::string& out, std::size_t from, std::size_t to) const;
+  /// sort(), handing the records in their old order to previous (when there
+  /// were two or more).
+  void sort(std::vector<idb>* previous);
   idb* record(int i);
   void indexChanged() { _indexValid = false; }
   void indexAdded(int i);
