@@ -105,12 +105,18 @@ int CliCommand::writeResult(const char* kind, const std::function<void(std::FILE
   }
   AtomicFile file(*out);
   if (int err = file.open()) {
-    std::fprintf(stderr, "Couldn't open %s '%s' (%s).\n", kind, out->c_str(), std::strerror(err));
+    if (err == AtomicFile::kNotRegular) {  // became one since the check above
+      _reporter.warning(notRegularFileMessage(*out));
+      return kCliBad;
+    }
+    std::fprintf(stderr, "Couldn't open %s '%s' (%s).\n", kind, out->c_str(),
+                 AtomicFile::describe(err).c_str());
     return kCliTrouble;
   }
   write(file.stream());
   if (int err = file.commit()) {
-    std::fprintf(stderr, "Couldn't write %s '%s' (%s).\n", kind, out->c_str(), std::strerror(err));
+    std::fprintf(stderr, "Couldn't write %s '%s' (%s).\n", kind, out->c_str(),
+                 AtomicFile::describe(err).c_str());
     return kCliTrouble;
   }
   note(std::string("Saved ") + kind + " '" + *out + "'.");

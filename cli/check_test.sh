@@ -84,5 +84,11 @@ expect 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
 expect 2 "" "Unable to access nope.spec (No such file or directory)." \
   "$cli" check clean.idb --sbase tree --spec nope.spec
 
+# A record that would not read back the same once saved (a tab in a path).
+touch "tree/lib/t"$'\t'"b"
+printf 'f 0644 root sys usr/lib/x lib/x p.sw.lib\nf 0644 root sys usr/t\tb lib/t\tb p.sw.lib\n' >tab.idb
+expect 1 "does not read back: usr/t"$'\t'"b (the destination path holds a tab)
+2 entries, 0 not found under $root, 1 not read back the same" "" "$cli" check tab.idb --sbase tree
+
 [ "$failures" = 0 ] && echo "check: all passed"
 exit $((failures > 0))

@@ -66,4 +66,31 @@ expect "token over the limit" 1 "" "Input string too long, limit 1000" -- long.s
 expect "token over the limit, -o" 1 "" "Input string too long, limit 1000" -- long.spec -o long.out
 [[ ! -e long.out ]] || { echo "FAIL long.out was written"; failures=$((failures + 1)); }
 
+mkfifo fifo
+expect "FIFO as output" 1 "" "'fifo' is not a regular file.
+Try again." -- sub/p.spec -o fifo
+[[ -p fifo ]] || { echo "FAIL the FIFO was replaced"; failures=$((failures + 1)); }
+
+# A full disk is named as such, and the old file stays.
+{
+  echo 'product p id P image i id I version 1 order 1'
+  for i in $(seq 1500); do echo "subsys s$i id \"Subsystem number $i\" exp p.i.s$i endsubsys"; done
+  echo 'endimage endproduct'
+} >big.spec
+if [[ $(id -u) == 0 ]] && unshare -m true 2>/dev/null; then
+  mkdir mnt
+  unshare -m bash -c 'mount -t tmpfs -o size=64k tmpfs mnt && echo old >mnt/out.spec &&
+    "$0" format big.spec -o mnt/out.spec >got.out 2>got.err; echo $? >got.status;
+    cat mnt/out.spec >got.kept; ls -A mnt >got.ls' "$cli"
+  if [[ $(cat got.status) != 2 || $(cat got.err) != "Couldn't write spec 'mnt/out.spec' (No space left on device)." ||
+        $(cat got.kept) != old || $(cat got.ls) != out.spec ]]; then
+    echo "FAIL full disk: status $(cat got.status), stderr $(cat got.err), kept $(cat got.kept), files $(cat got.ls)"
+    failures=$((failures + 1))
+  else
+    echo "ok   full disk"
+  fi
+else
+  echo "skip full disk: mounting a small tmpfs needs root"
+fi
+
 exit $((failures > 0))

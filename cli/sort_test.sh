@@ -60,6 +60,66 @@ expect 2 "Couldn't open idb 'missing.idb' (No such file or directory)." "$cli" s
 
 expect 2 "Couldn't open idb 'no/dir/x.idb' (No such file or directory)." "$cli" sort in.idb -o no/dir/x.idb
 
+# What is not a regular file is refused and left as it is.
+mkfifo fifo
+expect 1 "'fifo' is not a regular file.
+Try again." "$cli" sort in.idb -o fifo
+[ -p fifo ] || fail "the FIFO was replaced"
+if [ "$(id -u)" = 0 ] && mknod nulldev c 1 3 2>/dev/null; then
+  expect 1 "'nulldev' is not a regular file.
+Try again." "$cli" sort nulldev -o nulldev
+  expect 1 "'nulldev' is not a regular file.
+Try again." "$cli" sort in.idb -o nulldev
+  [ -c nulldev ] || fail "the device node was replaced"
+else
+  echo "skip: device nodes (needs root)"
+fi
+
+# Hard links keep sharing the text.
+cp in.idb linked.idb
+ln linked.idb other.idb
+expect 0 "" "$cli" sort linked.idb -o linked.idb
+same other.idb sorted
+[ "$(stat -c %h linked.idb)" = 2 ] || fail "the hard link was split"
+
+# As an ordinary user: a write-protected file is refused as fopen("w")
+# would refuse it; a writable one in a directory the user may not write is
+# saved, and keeps its owner.
+if [ "$(id -u)" = 0 ] && command -v setpriv >/dev/null; then
+  chmod 755 "$dir"
+  mkdir locked
+  cp in.idb locked/ro.idb
+  cp in.idb locked/rw.idb
+  chown nobody locked/ro.idb locked/rw.idb
+  chmod 444 locked/ro.idb
+  as_nobody() { setpriv --reuid=nobody --regid=nogroup --clear-groups "$@"; }
+  expect 2 "Couldn't open idb 'locked/ro.idb' (Permission denied)." as_nobody "$cli" sort locked/ro.idb -o locked/ro.idb
+  same locked/ro.idb in.orig
+  expect 0 "" as_nobody "$cli" sort locked/rw.idb -o locked/rw.idb
+  same locked/rw.idb sorted
+  [ "$(stat -c %U locked/rw.idb)" = nobody ] || fail "owner changed"
+else
+  echo "skip: acting as another user (needs root and setpriv)"
+fi
+
+# kill -9 during the save of a large idb leaves the old or the new text,
+# and no temporary file.
+awk 'BEGIN { for (i = 300000; i > 0; i--) printf "f 0644 root sys d/%07d s/%07d t\n", i, i }' >big.orig
+LC_ALL=C sort -k5,5 big.orig >big.sorted
+mkdir kill
+for delay in 0.02 0.05 0.1 0.15 0.2 0.3; do
+  cp big.orig kill/big.idb
+  "$cli" sort kill/big.idb -o kill/big.idb &
+  pid=$!
+  sleep "$delay"
+  kill -9 "$pid" 2>/dev/null
+  wait "$pid" 2>/dev/null
+  if ! cmp -s kill/big.idb big.orig && ! cmp -s kill/big.idb big.sorted; then
+    fail "killed after ${delay}s: neither the old nor the new text"
+  fi
+  [ "$(ls -A kill)" = big.idb ] || fail "killed after ${delay}s: left $(ls -A kill | tr '\n' ' ')"
+done
+
 usage="usage: tamblin-cli sort IDB [-o OUT] [-v]"
 expect 2 "tamblin-cli sort: too few arguments
 $usage" "$cli" sort

@@ -78,6 +78,12 @@ bool BrowserDirectory::isSubdir(const std::string& root, const std::string& dir,
   return realDir.size() == realRoot.size() || realDir[realRoot.size()] == '/';
 }
 
+bool BrowserDirectory::isUnder(const std::string& root, const std::string& path) {
+  if (root == "/") return !path.empty() && path[0] == '/';
+  return path.compare(0, root.size(), root) == 0 &&
+         (path.size() == root.size() || path[root.size()] == '/');
+}
+
 std::unique_ptr<StringSet> BrowserDirectory::readEntries(const std::string& dir) {
   auto items = std::make_unique<StringSet>("items");
   DIR* d = opendir(dir.c_str());

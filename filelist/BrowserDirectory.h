@@ -27,6 +27,10 @@ class BrowserDirectory {
   /// cannot be resolved is reported to log and counts as outside.
   static bool isSubdir(const std::string& root, const std::string& dir, Reporter& log);
 
+  /// True when the canonical path is root or lies below it, by the text of
+  /// the paths alone (as the idb's relative paths are made).
+  static bool isUnder(const std::string& root, const std::string& path);
+
   /// The entries of dir as the browser lists them, sorted: directories
   /// (after following links) with "/" appended, "./" and "../" included.
   /// Empty when the directory cannot be read.

@@ -143,12 +143,70 @@ TEST(DirectorySearchTest, PrefixedCommandsAndCommandsThatCannotRun) {
   t.write("d/b", "");
   StringSet set("New Items");
   int count = 0;
-  EXPECT_TRUE(DirectorySearch::addByCommand({"/bin/ls", "%s"}, t.file("d"), count, set, true, nullptr));
-  EXPECT_EQ((std::vector<std::string>{t.file("d/a"), t.file("d/b")}), items(set));
+  EXPECT_TRUE(DirectorySearch::addByCommand(
+      {"/bin/find", "%s", "-mindepth", "1", "-printf", "%P\\0"}, t.file("d"), count, set, true,
+      nullptr));
+  std::vector<std::string> got = items(set);
+  std::sort(got.begin(), got.end());
+  EXPECT_EQ((std::vector<std::string>{t.file("d/a"), t.file("d/b")}), got);
   EXPECT_EQ(2, count);
   EXPECT_TRUE(DirectorySearch::addByCommand({"/no/such/program", "%s"}, t.file("d"), count, set,
                                             false, nullptr));
   EXPECT_EQ(2, set.count());
+}
+
+// A name may hold any byte but NUL: a newline in a directory's name must
+// not split it into other names (here the real /etc).
+TEST(DirectorySearchTest, NamesWithNewlinesBlanksAndTabsComeThroughWhole) {
+  TempDir t;
+  t.write("d/a\n/etc", "");
+  t.write("d/with space/f", "");
+  t.write("d/tab\there", "");
+  t.write("d/\n", "");
+  StringSet set("New Items");
+  int count = 0;
+  ASSERT_TRUE(DirectorySearch::addDir(t.file("d"), set, count, nullptr));
+  std::vector<std::string> got = items(set);
+  std::sort(got.begin(), got.end());
+  EXPECT_EQ((std::vector<std::string>{t.file("d"), t.file("d/\n"), t.file("d/a\n"),
+                                      t.file("d/a\n/etc"), t.file("d/tab\there"),
+                                      t.file("d/with space"), t.file("d/with space/f")}),
+            got);
+  EXPECT_EQ(7, count);
+}
+
+// The command sees no descriptor of the program but standard input, output
+// and error.
+TEST(DirectorySearchTest, TheCommandInheritsOnlyStandardDescriptors) {
+  TempDir t;
+  const std::string marker = t.write("open", "");
+  int fds[2];
+  ASSERT_EQ(0, pipe(fds));  // without close-on-exec, as a library might leave one
+  ASSERT_EQ(100, dup2(fds[0], 100));
+  const char* script = "[ -e /proc/self/fd/$0 ] && printf '%s\\0' \"$1\"";
+  StringSet set("New Items");
+  int count = 0;
+  for (const char* fd : {"1", "100"})
+    EXPECT_TRUE(DirectorySearch::addByCommand({"/bin/sh", "-c", script, fd, "%s"}, marker, count,
+                                              set, false, nullptr));
+  close(100);
+  close(fds[0]);
+  close(fds[1]);
+  EXPECT_EQ(std::vector<std::string>{marker}, items(set));  // from fd 1 only
+  EXPECT_EQ(1, count);
+}
+
+TEST(BrowserDirectoryTest, IsUnderByText) {
+  const struct {
+    const char* root;
+    const char* path;
+    bool under;
+  } cases[] = {
+      {"/a/b", "/a/b", true},   {"/a/b", "/a/b/c", true}, {"/a/b", "/a/bc", false},
+      {"/a/b", "/a", false},    {"/", "/anything", true}, {"/", "/", true},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(c.under, BrowserDirectory::isUnder(c.root, c.path)) << c.root << " " << c.path;
 }
 
 }  // namespace

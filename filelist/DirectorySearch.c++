@@ -14,13 +14,17 @@
 
 namespace {
 
-// The child's end of things: the pipe as standard output, then the
-// command.  Only async-signal-safe calls between fork and exec.
-[[noreturn]] void runChild(int writeEnd, char* const* argv) {
+// The child's end of things: the pipe as standard output, nothing open but
+// standard input, output and error (the program's X and bus connections
+// are none of the command's business), then the command.  Only
+// async-signal-safe calls between fork and exec.
+[[noreturn]] void runChild(int writeEnd, char* const* argv, int maxFd) {
   if (writeEnd != STDOUT_FILENO) {
     dup2(writeEnd, STDOUT_FILENO);
     close(writeEnd);
   }
+  if (close_range(3, ~0U, 0) != 0)
+    for (int fd = 3; fd < maxFd; ++fd) close(fd);
   execv(argv[0], argv);
   _exit(127);
 }
@@ -33,11 +37,13 @@ class Child {
     argv.push_back(nullptr);
     int fds[2];
     if (argv.size() < 2 || pipe2(fds, O_CLOEXEC) != 0) return;
+    long maxFd = sysconf(_SC_OPEN_MAX);
+    if (maxFd < 0 || maxFd > 65536) maxFd = 65536;
     _pid = fork();
     if (_pid == 0) {
       close(fds[0]);
       // dup2 clears close-on-exec on the copy.
-      runChild(fds[1], argv.data());
+      runChild(fds[1], argv.data(), static_cast<int>(maxFd));
     }
     close(fds[1]);
     if (_pid < 0) {
@@ -71,7 +77,7 @@ class Child {
 }  // namespace
 
 const std::vector<std::string>& DirectorySearch::findCommand() {
-  static const std::vector<std::string> command = {"/bin/find", "%s", "-follow", "-print"};
+  static const std::vector<std::string> command = {"/bin/find", "%s", "-follow", "-print0"};
   return command;
 }
 
@@ -87,9 +93,13 @@ bool DirectorySearch::addByCommand(const std::vector<std::string>& command, cons
   size_t capacity = 0;
   ssize_t length;
   std::string path;
-  while ((length = getline(&line, &capacity, out)) > 0) {
-    if (line[length - 1] == '\n') line[--length] = '\0';
-    path = prefix ? dir + "/" + line : std::string(line, static_cast<size_t>(length));
+  // Names end in a NUL, the one byte no file name holds: a name with a
+  // newline in it stays one name.
+  while ((length = getdelim(&line, &capacity, '\0', out)) > 0) {
+    if (line[length - 1] == '\0') --length;
+    if (length == 0) continue;
+    path = std::string(line, static_cast<size_t>(length));
+    if (prefix) path = dir + "/" + path;
     // Dangling links and names that vanished meanwhile are left out.
     struct stat st;
     if (stat(path.c_str(), &st) == 0 && st.st_mode != 0) set.add(path);

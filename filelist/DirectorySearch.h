@@ -2,10 +2,12 @@
 // command lists it, collected into a StringSet.
 //
 // The command runs as a child without a shell (names with blanks or shell
-// characters are safe) and is read through a pipe.  find follows links and
-// reports loops of them instead of descending forever.  Every 100 lines the
-// caller's poll is asked whether the user has interrupted; an interruption
-// ends the child and the search.
+// characters are safe), with only standard input, output and error open,
+// and its output is read through a pipe as names each ended by a NUL byte
+// (find -print0), so that any name a file may have, newlines included,
+// comes through whole.  find follows links and reports loops of them instead
+// of descending forever.  Every 100 names the caller's poll is asked whether
+// the user has interrupted; an interruption ends the child and the search.
 #ifndef TAMBLIN_FILELIST_DIRECTORYSEARCH_H
 #define TAMBLIN_FILELIST_DIRECTORYSEARCH_H
 
@@ -21,13 +23,13 @@ class DirectorySearch {
   /// means the user interrupted.
   using Poll = std::function<bool(int count)>;
 
-  /// The directory search: "/bin/find DIR -follow -print"; "%s" stands for
+  /// The directory search: "/bin/find DIR -follow -print0"; "%s" stands for
   /// the directory.
   static const std::vector<std::string>& findCommand();
 
-  /// Runs command (its "%s" arguments replaced by dir) and adds each line
-  /// of its output (with dir and "/" before it when prefix is set) to set,
-  /// if that path exists; count goes up for every line.  Returns false when
+  /// Runs command (its "%s" arguments replaced by dir) and adds each
+  /// NUL-ended name of its output (with dir and "/" before it when prefix is
+  /// set) to set, if that path exists; count goes up for every name.  Returns false when
   /// interrupted; a command that cannot be started adds nothing and counts
   /// as finished.
   static bool addByCommand(const std::vector<std::string>& command, const std::string& dir,

@@ -334,10 +334,18 @@ void FileListAdd::addSelectedFiles() {
   PanelBusy busy;
   StringSet newItems("New Items");
   int count = 0;
+  const std::string root = _fileList->sourceRoot();
   for (int pos : positions) {
     XmListSetBottomPos(_filesList, pos);
     const std::string path =
         dcanon(BrowserDirectory::entryPath(browsingDirectory(), _names[pos - 1]));
+    if (!BrowserDirectory::isUnder(root, path)) {
+      // "../" at the source root: searching it would list the whole tree
+      // above the root, none of which can be added.
+      log("Skipped '" + path + "': it is outside Source Root '" + root + "'.");
+      if (_reporter) _reporter->showMessages();
+      continue;
+    }
     if (!isDirectory(path)) {
       newItems.add(path);
       ++count;
@@ -353,6 +361,8 @@ void FileListAdd::addSelectedFiles() {
   paths.reserve(newItems.count());
   for (int i = 0; i < newItems.count(); i++) paths.emplace_back(newItems.item(i));
   _fileList->add(paths);
+  // Entries whose names the file list skipped lose the mark set above.
+  refresh();
   XmListDeselectAllItems(_filesList);
 }
 

@@ -190,6 +190,29 @@ TEST_F(FileListAddTest, AddingFilesAndADirectoryHandsOverEverythingBelow) {
   EXPECT_EQ((Names{"../", "./", "sub/", "x"}), entries());
 }
 
+TEST_F(FileListAddTest, RootItselfParentAndNamesAnIdbCannotHold) {
+  tree.write("with space", "");
+  panel->setBrowsingDirectory(nullptr);
+  // "../" at the source root lies outside it: not searched, nothing added.
+  select({"../"});
+  press("arrowButton");
+  EXPECT_EQ(Names{}, sourcePaths());
+  const std::string parent = tree.path().substr(0, tree.path().rfind('/'));
+  EXPECT_EQ(Names{"Skipped '" + parent + "': it is outside Source Root '" + tree.path() + "'."},
+            reporter.texts("log"));
+  // "./" adds what lies below the root, never the root as an empty path;
+  // the name with a blank is skipped and stays unmarked.
+  reporter.clear();
+  select({"./"});
+  press("arrowButton");
+  EXPECT_EQ((Names{"a", "b", "dir", "dir/sub", "dir/sub/y", "dir/x", "xfile"}), sourcePaths());
+  EXPECT_EQ(Names{"Skipped '" + tree.file("with space") +
+                  "': its name holds a blank, which an idb line cannot hold."},
+            reporter.texts("log"));
+  // The root is no record, so "./" stays unmarked.
+  EXPECT_EQ((Names{"../", "./", "*a", "*b", "*dir/", "with space", "*xfile"}), entries());
+}
+
 TEST_F(FileListAddTest, InterruptedAddAddsNothingAndDropsItsMarks) {
   for (int i = 0; i < 350; i++) tree.write("big/f" + std::to_string(i), "");
   panel->setBrowsingDirectory(nullptr);

@@ -26,6 +26,7 @@
 #include "filelist/TagsPartner.h"
 #include "idb/Idb.h"
 #include "idb/StringSet.h"
+#include "util/AtomicFile.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
 
@@ -63,6 +64,28 @@ std::string format(const char* fmt, ...) {
   std::string out(n > 0 ? static_cast<size_t>(n) : 0, '\0');
   if (n > 0) std::vsnprintf(&out[0], out.size() + 1, fmt, again);
   va_end(again);
+  return out;
+}
+
+// A typed field value as the panels deblank it, tabs and newlines
+// included: idb fields are separated by blanks, and a value holding one
+// would not read back.
+std::string deblanked(const std::string& text) {
+  std::string out;
+  for (char c : text)
+    if (c != ' ' && c != '\t' && c != '\n') out += c;
+  return out;
+}
+
+// text with tabs and newlines written as \t and \n, so that a name holding
+// them stays on one line of the message log.
+std::string visibleText(const std::string& text) {
+  std::string out;
+  for (char c : text) {
+    if (c == '\n') out += "\\n";
+    else if (c == '\t') out += "\\t";
+    else out += c;
+  }
   return out;
 }
 
@@ -436,8 +459,14 @@ bool FileListModel::save(const char* file) {
   for (int i = 1; i < _idb->count() && wasSorted; i++)
     wasSorted = (*_idb)[i - 1]->dstpath() <= (*_idb)[i]->dstpath();
   if (int error = _idb->save(target)) {
-    _reporter.logMessage(
-        format("Couldn't save idb '%s' (%s).", target.c_str(), std::strerror(error)));
+    // The records are still in the order the list shows, so the lines and
+    // the selection stay as they are.
+    if (error == AtomicFile::kNotRegular) {
+      _reporter.warning(format("'%s' is not a regular file.\nTry again.", target.c_str()));
+      return false;
+    }
+    _reporter.logMessage(format("Couldn't save idb '%s' (%s).", target.c_str(),
+                                AtomicFile::describe(error).c_str()));
     _reporter.showMessages();
     return false;
   }
@@ -642,12 +671,43 @@ void FileListModel::add(const std::vector<std::string>& paths) {
     return;
   }
   BusyScope busy(_busy);
+  std::vector<const std::string*> storable = storablePaths(paths);
+  if (storable.empty()) return;
   backup();
   const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
-  for (const std::string& path : paths) _idb->add(path, tag, _sourceRoot);
+  for (const std::string* path : storable) _idb->add(*path, tag, _sourceRoot);
   _modified = true;
   refresh();
   if (_display) _display->showLastLine();
+}
+
+// The paths that can become records.  The source root itself has no name
+// of its own under the root and is left out silently (what lies below it is
+// added); a path outside the root, or whose name an idb line cannot hold,
+// is left out with a line in the message log, which is then shown.
+std::vector<const std::string*> FileListModel::storablePaths(
+    const std::vector<std::string>& paths) {
+  std::vector<const std::string*> storable;
+  storable.reserve(paths.size());
+  const std::string under = _sourceRoot == "/" ? "/" : _sourceRoot + "/";
+  bool skipped = false;
+  for (const std::string& path : paths) {
+    if (path == _sourceRoot) continue;
+    std::string why;
+    if (path.compare(0, under.size(), under) != 0) {
+      why = "it is outside Source Root '" + _sourceRoot + "'";
+    } else if (const char* problem = Idb::unstorable(Idb::relativePath(path, _sourceRoot))) {
+      if (std::strcmp(problem, "is empty") == 0) continue;  // "/" under the root "/"
+      why = std::string("its name ") + problem + ", which an idb line cannot hold";
+    } else {
+      storable.push_back(&path);
+      continue;
+    }
+    _reporter.logMessage("Skipped '" + visibleText(path) + "': " + why + ".");
+    skipped = true;
+  }
+  if (skipped) _reporter.showMessages();
+  return storable;
 }
 
 void FileListModel::removeItems(const std::vector<char>& doomed) {
@@ -794,34 +854,42 @@ void FileListModel::replaceMode(unsigned long mode) {
   editSelected([&](int i) { _idb->setMode(i, static_cast<std::uint32_t>(mode & 0xFFFF)); });
 }
 
-void FileListModel::replaceOwner(const std::string& owner) {
+void FileListModel::replaceOwner(const std::string& typed) {
+  const std::string owner = deblanked(typed);
+  if (owner.empty()) return;
   editSelected([&](int i) { _idb->setOwner(i, owner); });
 }
 
-void FileListModel::replaceGroup(const std::string& group) {
+void FileListModel::replaceGroup(const std::string& typed) {
+  const std::string group = deblanked(typed);
+  if (group.empty()) return;
   editSelected([&](int i) { _idb->setGroup(i, group); });
 }
 
-void FileListModel::replaceSourceDir(const std::string& dir) {
+void FileListModel::replaceSourceDir(const std::string& typed) {
+  const std::string dir = deblanked(typed);
   editSelected([&](int i) {
     _idb->setSrcpath(i, dir + "/" + mypathbasename(std::string((*_idb)[i]->srcpath())));
   });
 }
 
-void FileListModel::replaceSourceFile(const std::string& name) {
+void FileListModel::replaceSourceFile(const std::string& typed) {
+  const std::string name = deblanked(typed);
   editSelected([&](int i) {
     _idb->setSrcpath(i, mypathdirname(std::string((*_idb)[i]->srcpath())) + "/" +
                             mypathbasename(name));
   });
 }
 
-void FileListModel::replaceDestDir(const std::string& dir) {
+void FileListModel::replaceDestDir(const std::string& typed) {
+  const std::string dir = deblanked(typed);
   editSelected([&](int i) {
     _idb->setDstpath(i, dir + "/" + mypathbasename(std::string((*_idb)[i]->dstpath())));
   });
 }
 
-void FileListModel::replaceDestFile(const std::string& name) {
+void FileListModel::replaceDestFile(const std::string& typed) {
+  const std::string name = deblanked(typed);
   // A bare destination name has the directory "." and one directly under the
   // root "", so "x" becomes "./y" and "/x" becomes "/y"; installations rely on
   // that.

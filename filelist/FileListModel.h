@@ -165,7 +165,10 @@ class FileListModel {
 
   // ---- whole-list operations -------------------------------------------------
   /// Adds the files at the absolute paths (under the source root), tagged
-  /// with the Tags panel's current tag.
+  /// with the Tags panel's current tag.  The source root itself adds
+  /// nothing; a path outside the root or whose name holds a blank, tab or
+  /// newline (which an idb line cannot hold) is skipped with one line in the
+  /// message log naming it and why, and the log is shown.
   void add(const std::vector<std::string>& paths);
   /// Removes the selected records ("Delete Selected Items").
   void removeSelected();
@@ -184,6 +187,9 @@ class FileListModel {
   void createPatch(const std::string& patchName, const std::vector<int>& keep);
 
   // ---- edits of the selected records (the calling panel refreshes) -----------
+  // Typed owners, groups and paths are deblanked first (blanks, tabs and
+  // newlines dropped), so that no field holds a separator; an owner or group
+  // left empty changes nothing.
   void replaceMode(unsigned long mode);
   void replaceOwner(const std::string& owner);
   void replaceGroup(const std::string& group);
@@ -212,6 +218,7 @@ class FileListModel {
   void notifySelection();
   void refreshPartners();
   void removeItems(const std::vector<char>& doomed);
+  std::vector<const std::string*> storablePaths(const std::vector<std::string>& paths);
   template <class Edit>
   bool editSelected(Edit edit);
   bool askFileName(const char* title, bool proposeProduct, std::string* chosen);

@@ -1,5 +1,6 @@
 #include "filelist/FileListModel.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -989,6 +990,102 @@ TEST_F(FileListModelTest, SourcePathsInADirectory) {
     for (int i = 0; i < set->count(); i++) names.push_back(set->item(i));
     EXPECT_EQ(names, c.names) << c.dir;
   }
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(FileListModelTest, AddSkipsNamesAnIdbCannotHoldAndTheRootItself) {
+  const std::string src =
+      makeSources({"ok/a", "dir with space/f", "tab\tname", "a\n/etc", "cr\rname"});
+  const std::string outside = dir.write("elsewhere", "x");
+  ASSERT_TRUE(model.setSourceRoot(src));
+  model.setView(FileListModel::kTagView);
+  // What the browser hands over for "./", "../" and a few odd names.
+  model.add({src, src + "/ok", src + "/ok/a", src + "/dir with space", src + "/dir with space/f",
+             src + "/tab\tname", src + "/a\n", src + "/a\n/etc", src + "/cr\rname", outside});
+  EXPECT_EQ(lines(), (Lines{"new.sw.tag ok", "new.sw.tag ok/a", "new.sw.tag cr\rname"}));
+  const std::string cannot = ", which an idb line cannot hold.";
+  EXPECT_EQ(rep.events(),
+            (std::vector<RecordingReporter::Event>{
+                {"log", "Skipped '" + src + "/dir with space': its name holds a blank" + cannot},
+                {"log", "Skipped '" + src + "/dir with space/f': its name holds a blank" + cannot},
+                {"log", "Skipped '" + src + "/tab\\tname': its name holds a tab" + cannot},
+                {"log", "Skipped '" + src + "/a\\n': its name holds a newline" + cannot},
+                {"log", "Skipped '" + src + "/a\\n/etc': its name holds a newline" + cannot},
+                {"log", "Skipped '" + outside + "': it is outside Source Root '" + src + "'."},
+                {"show", ""}}));
+  EXPECT_TRUE(model.modified());
+  for (int i = 0; i < model.idb().count(); i++) EXPECT_FALSE(model.idb().storageProblem(i));
+
+  // Nothing left to add: no undo step, no change.
+  rep.clear();
+  model.add({src + "/dir with space", src});
+  EXPECT_EQ(lines().size(), 3u);
+  EXPECT_EQ(rep.texts("log").size(), 1u);
+  model.undo();
+  EXPECT_EQ(lines(), Lines{});  // the undo copy is still the one before the first add
+}
+
+TEST_F(FileListModelTest, TypedValuesAreDeblanked) {
+  openText("f 0644 root sys usr/bin/tool build/tool t.sw.base\n");
+  model.setSelectedPositions({1});
+  model.replaceDestDir("opt/my dir");
+  model.replaceDestFile("new\tname");
+  model.replaceSourceDir("src dir");
+  model.replaceSourceFile("a\nb");
+  model.replaceOwner(" \t ");  // nothing left: the owner stays
+  model.replaceGroup("st aff");
+  EXPECT_EQ(records(), Lines{"f 0644 root staff opt/mydir/newname srcdir/ab t.sw.base"});
+  EXPECT_FALSE(model.idb().storageProblem(0));
+}
+
+// A save that fails after sorting leaves the records in the order the list
+// shows, so the selection still names the records the user chose.
+TEST_F(FileListModelTest, FailedSaveKeepsLinesAndSelection) {
+  std::string text;
+  for (int i = 2000; i >= 1; i--)
+    text += "f 0644 root sys z/" + std::to_string(i) + " z/" + std::to_string(i) + " t\n";
+  openText(text);
+  model.setView(FileListModel::kPermsView);
+  model.refresh();
+  model.setSelectedPositions({1});
+  const Lines before = lines();
+  ASSERT_EQ(before[0], "f 0644 root sys z/2000");
+
+  struct rlimit old;
+  ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &old));
+  struct rlimit small = {4096, old.rlim_max};
+  ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
+  bool saved = model.save(dir.file("out.idb").c_str());
+  setrlimit(RLIMIT_FSIZE, &old);
+
+  EXPECT_FALSE(saved);
+  EXPECT_EQ(rep.texts("log"),
+            Lines{"Couldn't save idb '" + dir.file("out.idb") + "' (File too large)."});
+  EXPECT_EQ(dir.read("out.idb"), "<missing>");
+  EXPECT_EQ(lines(), before);
+  EXPECT_EQ(model.selectedPositions(), Positions{1});
+  model.removeSelected();
+  EXPECT_EQ(model.idb().find("z/2000"), nullptr);
+  EXPECT_NE(model.idb().find("z/1"), nullptr);
+}
+
+TEST_F(FileListModelTest, SaveKeepsLinksAndRefusesWhatIsNotAFile) {
+  openText("f 0644 root sys b b t\n");
+  const std::string a = dir.write("a.idb", "old\n");
+  ASSERT_EQ(0, link(a.c_str(), dir.file("b.idb").c_str()));
+  EXPECT_TRUE(model.save(dir.file("b.idb").c_str()));
+  EXPECT_EQ(dir.read("a.idb"), "f 0644 root sys b b t\n");
+  const std::string fifo = dir.file("fifo.idb");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0644));
+  rep.clear();
+  EXPECT_FALSE(model.save(fifo.c_str()));
+  EXPECT_EQ(rep.texts("warning"), Lines{"'" + fifo + "' is not a regular file.\nTry again."});
+  struct stat st;
+  ASSERT_EQ(0, stat(fifo.c_str(), &st));
+  EXPECT_TRUE(S_ISFIFO(st.st_mode));
 }
 
 }  // namespace

@@ -6,9 +6,14 @@
 // least one record.  A mapping names the words of its expression: maximal
 // runs of characters other than blanks, newlines and "()!&|".
 //
+// Every record must also read back the same once written: no field may hold
+// a blank, tab or newline or be empty, and the attributes must split as they
+// stand (Idb::storageProblem).
+//
 // Findings are lines meant for people and scripts alike, one per problem,
-// in a fixed order: sources (record order), unmapped tags (order of first
-// use), empty subsystems (order given).
+// in a fixed order: sources (record order), records that would not read
+// back (record order), unmapped tags (order of first use), empty subsystems
+// (order given).
 #ifndef TAMBLIN_FILELIST_INSTALLCHECK_H
 #define TAMBLIN_FILELIST_INSTALLCHECK_H
 

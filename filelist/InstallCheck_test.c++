@@ -72,4 +72,19 @@ TEST(InstallCheckTest, FindingsAndSummary) {
   }
 }
 
+TEST(InstallCheckTest, RecordsThatWouldNotReadBack) {
+  TempDir dir;
+  dir.write("src/a\tb", "x");
+  dir.write("src/ok", "x");
+  Idb idb;
+  ASSERT_FALSE(idb.readText("f 0644 root sys usr/a\tb a\tb p.sw.base\n"
+                            "f 0644 root sys usr/ok ok p.sw\tbase\n"
+                            "f 0644 root sys usr/ok2 ok p.sw.base\n"));
+  InstallCheck check(idb, dir.file("src"));
+  EXPECT_EQ(check.run(), (Lines{"does not read back: usr/a\tb (the destination path holds a tab)",
+                                "does not read back: usr/ok (the tag holds a tab)"}));
+  EXPECT_EQ(check.summary(),
+            "3 entries, 0 not found under " + dir.file("src") + ", 2 not read back the same");
+}
+
 }  // namespace

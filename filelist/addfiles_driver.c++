@@ -2,9 +2,11 @@
 // outside (addfiles_e2e_test.sh).  Usage: addfiles_driver SOURCE_ROOT IDB
 //
 // Once the window is up it prints where to click: one line "entry NAME X Y"
-// per browser entry, then "button add X Y" and "button save X Y" (root
-// coordinates of the middle of each), then "ready".  Save writes the idb to
-// IDB and ends the program.
+// per browser entry (blanks, tabs and newlines in NAME written as \s, \t
+// and \n, so that a line stays three words and a name), then "button add X
+// Y" and "button save X Y" (root coordinates of the middle of each), then
+// "ready".  Save writes the idb to IDB and ends the program; the message log
+// goes to standard error.
 #include <Xm/Form.h>
 #include <Xm/List.h>
 #include <Xm/PushB.h>
@@ -31,12 +33,23 @@ void saveCallback(Widget, XtPointer clientData, XtPointer) {
   YrApp::theApp()->quit(status);
 }
 
+std::string escaped(const std::string& name) {
+  std::string out;
+  for (char c : name) {
+    if (c == ' ') out += "\\s";
+    else if (c == '\t') out += "\\t";
+    else if (c == '\n') out += "\\n";
+    else out += c;
+  }
+  return out;
+}
+
 void printCentre(const char* what, const std::string& name, Widget w, Position x, Position y,
                  Dimension width, Dimension height) {
   Position rootX = 0, rootY = 0;
   XtTranslateCoords(w, static_cast<Position>(x + width / 2), static_cast<Position>(y + height / 2),
                     &rootX, &rootY);
-  std::printf("%s %s %d %d\n", what, name.c_str(), rootX, rootY);
+  std::printf("%s %s %d %d\n", what, escaped(name).c_str(), rootX, rootY);
 }
 
 void printWidget(const char* name, Widget w) {

@@ -617,7 +617,19 @@ int Idb::save(const std::string& file) {
   if (target.empty()) return ENOENT;
   AtomicFile out(target);
   if (int err = out.open()) return err;
-  sort();
+  // The records are sorted in memory before they are written; when the
+  // write fails they go back to the order the caller knows, so that its
+  // positions (the list's lines and selection) still name the same records.
+  // The array they were in is kept rather than copied.
+  std::vector<idb> unsorted;
+  sort(&unsorted);
+  auto fail = [this, &unsorted](int err) {
+    if (!unsorted.empty()) {
+      _records.swap(unsorted);
+      indexChanged();
+    }
+    return err;
+  };
 
   // Lines are formatted in pieces of kChunk records; for a large database a
   // helper thread formats every second piece while this one writes.
@@ -648,10 +660,10 @@ int Idb::save(const std::string& file) {
       ok = emit(theirs);
       err = errno;
     }
-    if (!ok) return err ? err : EIO;
+    if (!ok) return fail(out.writeError() ? out.writeError() : err ? err : EIO);
     at = stop;
   }
-  if (int err = out.commit()) return err;
+  if (int err = out.commit()) return fail(err);
   if (_name.empty()) _name = target;
   return 0;
 }
@@ -685,11 +697,7 @@ bool Idb::add(const std::string& path, std::string_view tag, std::string_view ro
     std::fprintf(stderr, "%s does not exist.\n", path.c_str());
     return false;
   }
-  // Callers pass paths under root; the root and its separating slash are cut
-  // off without further checks.
-  std::size_t skip = root.size();
-  if (std::string_view(path).substr(0, root.size()) == root && root != "/") ++skip;
-  std::string rel = skip < path.size() ? path.substr(skip) : std::string();
+  std::string rel = relativePath(path, root);
 
   std::vector<std::string> attrs;
   char t = type(st);
@@ -703,6 +711,42 @@ bool Idb::add(const std::string& path, std::string_view tag, std::string_view ro
   addRecord(t, st.st_mode & 0x0FFF, userName(st.st_uid), groupName(st.st_gid), rel, rel, tag,
             attrs);
   return true;
+}
+
+std::string Idb::relativePath(std::string_view path, std::string_view root) {
+  // Callers pass paths under root; the root and its separating slash are cut
+  // off without further checks.
+  std::size_t skip = root.size();
+  if (path.substr(0, root.size()) == root && root != "/") ++skip;
+  return skip < path.size() ? std::string(path.substr(skip)) : std::string();
+}
+
+const char* Idb::unstorable(std::string_view field) {
+  if (field.empty()) return "is empty";
+  for (char c : field) {
+    if (c == ' ') return "holds a blank";
+    if (c == '\t') return "holds a tab";
+    if (c == '\n') return "holds a newline";
+    if (c == '\0') return "holds a NUL byte";
+  }
+  return nullptr;
+}
+
+std::optional<std::string> Idb::storageProblem(int i) const {
+  const idb* r = (*this)[i];
+  if (!r) return std::nullopt;
+  static const char* const kNames[] = {"owner", "group", "destination path", "source path", "tag"};
+  const std::string_view fields[] = {r->owner(), r->group(), r->dstpath(), r->srcpath(), r->tag()};
+  for (int f = 0; f < 5; ++f)
+    if (const char* why = unstorable(fields[f])) return std::string("the ") + kNames[f] + " " + why;
+  // What is left to differ: the type letter, the mode, the attributes.
+  Idb again;
+  if (again.read(line(i)) || again.count() != 1) return std::string("the line does not read back");
+  const idb& b = again._records[0];
+  if (b.type() != r->type()) return std::string("the type does not read back the same");
+  if (b.mode() != r->mode()) return std::string("the mode does not read back the same");
+  if (b.attrs() != r->attrs()) return std::string("the attributes do not read back the same");
+  return std::nullopt;
 }
 
 int Idb::addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,
@@ -764,7 +808,9 @@ void Idb::clear() {
   _indexValid = false;
 }
 
-void Idb::sort() {
+void Idb::sort() { sort(nullptr); }
+
+void Idb::sort(std::vector<idb>* previous) {
   if (_records.size() < 2) return;
   std::vector<std::uint32_t> order = sortOrder(_records);
   // Gathered into a new array: the reads jump about, but their order is
@@ -780,6 +826,7 @@ void Idb::sort() {
     sorted.push_back(_records[order[j]]);
   }
   _records.swap(sorted);
+  if (previous) previous->swap(sorted);
   indexChanged();
 }
 

@@ -120,9 +120,11 @@ class Idb {
   /// cannot be opened; read failures as for open().
   std::optional<std::string> append(const std::string& file);
   /// Sorts the records (sort()) and writes them to file, or to name() when
-  /// file is empty, replacing the file atomically.  Returns 0, or the system
-  /// error number, in which case the file on disk and name() are unchanged.
-  /// A nameless database takes file as its name.
+  /// file is empty, replacing the file atomically (AtomicFile).  Returns 0,
+  /// AtomicFile::kNotRegular for a target that is not a regular file, or the
+  /// system error number; on failure the file on disk, name() and the order
+  /// of the records are unchanged.  A nameless database takes file as its
+  /// name.
   int save(const std::string& file = std::string());
   /// Parses text in the file format (as open() does, "x" standing for the
   /// file name in messages), adding its records behind the present ones.
@@ -145,6 +147,18 @@ class Idb {
   /// false, printing "%s does not exist.\n" on standard error, when path
   /// cannot be stat'ed.
   bool add(const std::string& path, std::string_view tag, std::string_view root);
+  /// path relative to root, as add() records it: root and the "/" after it
+  /// cut off ("" for root itself).  path must lie under root.
+  static std::string relativePath(std::string_view path, std::string_view root);
+  /// Why a value cannot be one of the blank-separated fields of a line
+  /// ("holds a blank", "holds a tab", "holds a newline", "is empty"), or
+  /// null when it can.  Tabs are refused as well: other readers of idb
+  /// files split at them.
+  static const char* unstorable(std::string_view field);
+  /// Why record i (zero-based) would not read back as the same record once
+  /// written ("the source path holds a blank", "the attributes do not read
+  /// back the same"), or nothing when it would.
+  std::optional<std::string> storageProblem(int i) const;
   /// Appends a record with the given fields; returns its zero-based index.
   int addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,
                 std::string_view dstpath, std::string_view srcpath, std::string_view tag,
@@ -199,6 +213,9 @@ class Idb {
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);
   void formatLines(std::string& out, std::size_t from, std::size_t to) const;
+  /// sort(), handing the records in their old order to previous (when there
+  /// were two or more).
+  void sort(std::vector<idb>* previous);
   /// Record i for a change, or null when out of range.  Every edit of a
   /// record goes through here, so its cached line is dropped exactly once.
   idb* edit(int i);

@@ -565,16 +565,24 @@ bool SpecGraphModel::save(const char* path) {
   Busy busy(_observer);
   AtomicFile file(name);
   int err = file.open();
+  if (err == AtomicFile::kNotRegular) {
+    // Became something else since the check above.
+    _reporter->warning(format("'%s' is not a regular file.\nTry again.", {name}));
+    return false;
+  }
   if (err == 0) {
     writeAll(file.stream());
+    // The first write error is the one that names the cause (a full disk).
     err = file.commit();
     if (err != 0) {
-      _reporter->logMessage(format("Couldn't write spec '%s' (%s).", {name, std::strerror(err)}));
+      _reporter->logMessage(
+          format("Couldn't write spec '%s' (%s).", {name, AtomicFile::describe(err)}));
       _reporter->showMessages();
       return false;
     }
   } else {
-    _reporter->logMessage(format("Couldn't open spec '%s' (%s).", {name, std::strerror(err)}));
+    _reporter->logMessage(
+        format("Couldn't open spec '%s' (%s).", {name, AtomicFile::describe(err)}));
     _reporter->showMessages();
     return false;
   }
