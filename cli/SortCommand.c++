@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/Subcommands.h"
-#include "idb/Idb.h"
+#include "idb/IdbFileSorter.h"
 
 namespace {
 
@@ -38,13 +38,13 @@ int sortCommand(int argc, char** argv) {
   }
   if (in.empty()) return usage();
 
-  Idb db;
-  if (auto message = db.open(in)) {
-    std::fprintf(stderr, "%s\n", message->c_str());
+  std::string target = out.empty() ? in : out;
+  IdbFileSorter::Result result = IdbFileSorter::sortFile(in, target);
+  if (result.readMessage) {
+    std::fprintf(stderr, "%s\n", result.readMessage->c_str());
     return 1;
   }
-  std::string target = out.empty() ? in : out;
-  if (int err = db.save(target)) {
+  if (int err = result.saveError) {
     std::fprintf(stderr, "Couldn't save idb '%s' (%s).\n", target.c_str(), std::strerror(err));
     return 1;
   }
