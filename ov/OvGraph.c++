@@ -46,6 +46,10 @@ struct GraphState {
   int scrollX = 0, scrollY = 0;  // layout coordinates of the window's corner
   Widget hbar = nullptr, vbar = nullptr;  // when the graph scrolls itself
   std::vector<Widget> shown;  // nodes placed inside the window
+  // Motif's keyboard traversal has yet to learn of a change of the managed
+  // nodes: it asks the server about the window each time, so it is told
+  // once per batch of changes, with the layout.
+  bool navigationDue = false;
 
   // How many nodes name each widget as their parent: destroying a node
   // that is nobody's parent needs no search for orphans.
@@ -375,6 +379,10 @@ void layout(Widget graph) {
     if (r == XtGeometryAlmost) XtMakeResizeRequest(graph, aw, ah, nullptr, nullptr);
   }
   showViewport(graph);
+  if (s.navigationDue) {
+    s.navigationDue = false;
+    XmeNavigChangeManaged(graph);
+  }
 }
 
 void layoutNowIfPending(Widget graph) {
@@ -626,12 +634,16 @@ XtGeometryResult GeometryManager(Widget child, XtWidgetGeometry* request, XtWidg
 
 void ChangeManaged(Widget w) {
   // Nodes that left the graph's managed set leave the selection too.
-  std::vector<Widget>& selected = part(w).state->selected;
-  selected.erase(std::remove_if(selected.begin(), selected.end(),
-                                [](Widget s) { return !XtIsManaged(s); }),
-                 selected.end());
+  GraphState& s = state(w);
+  s.selected.erase(std::remove_if(s.selected.begin(), s.selected.end(),
+                                  [](Widget n) { return !XtIsManaged(n); }),
+                   s.selected.end());
+  s.navigationDue = true;
   autoLayout(w);
-  XmeNavigChangeManaged(w);
+  if (s.navigationDue && !s.pendingLayout) {  // no layout to come
+    s.navigationDue = false;
+    XmeNavigChangeManaged(w);
+  }
 }
 
 void ConstraintInitialize(Widget, Widget created, ArgList, Cardinal*) {

@@ -18,6 +18,8 @@ packages=(
   libre2-dev
   # driving and looking at the interface in tests
   xvfb xauth x11-utils xdotool imagemagick
+  # the interface benchmarks send their input events with XTest
+  libxtst-dev
 )
 
 missing=()
