@@ -33,7 +33,7 @@ class YrNode {
   std::string label() const;
   /// The text the button shows for label.
   static std::string shownLabel(const std::string& label);
-  static constexpr std::size_t kShownLabelBytes = 120;
+  static constexpr std::size_t kShownLabelBytes = 40;
   /// The user data of a node widget (null for any other widget).
   static void* userDataOf(Widget w);
   /// The widget went with its graph: do not destroy it again.
