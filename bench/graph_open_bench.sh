@@ -52,9 +52,9 @@ owns_name() {
     org.freedesktop.DBus.NameHasOwner string:com.orvex.Tamblin 2>/dev/null | grep -q true
 }
 
-# opened SPEC [SHOT]: seconds from the request to the graph drawn, in a
-# program started for it; a second argument takes a screenshot and times
-# wheel turns.
+# opened SPEC [SHOT|then:SPEC2]: seconds from the request to the graph
+# drawn, in a program started for it; a second argument takes a screenshot
+# and times wheel turns, or (then:) times opening SPEC2 over SPEC instead.
 opened() {
   (cd "$work" && exec "$prog" -nofork) >"$work/prog.log" 2>&1 &
   prog_pid=$!
@@ -66,8 +66,12 @@ opened() {
   # the lower left of the window.
   "$probe" $((X + 22)) $((Y + 16)) "run:$cli edit $work/project $1 '' '' >/dev/null" >"$work/probe.out" ||
     fail "probe: $(cat "$work/probe.out")"
+  if [[ ${2:-} == then:* ]]; then
+    "$probe" $((X + 22)) $((Y + 16)) "run:$cli edit $work/project ${2#then:} '' '' >/dev/null" \
+      >"$work/probe.out" || fail "probe: $(cat "$work/probe.out")"
+  fi
   awk '{ print $2 }' "$work/probe.out"
-  if [[ -n ${2:-} ]]; then
+  if [[ -n ${2:-} && ${2:-} != then:* ]]; then
     import -window "$window" "$shots/$2.png"
     "$probe" $((X + 22)) $((Y + 16)) "wheeln:10:$((X + 200)),$((Y + 450))" >"$work/wheel.out"
     import -window "$window" "$shots/$2-scrolled.png"
@@ -82,7 +86,7 @@ best() {
   local b=""
   for ((r = 0; r < runs; r++)); do
     local s
-    s=$(opened "$1") || exit 1
+    s=$(opened "$@") || exit 1
     [[ -z $b ]] || awk -v a="$s" -v b="$b" 'BEGIN { exit !(a < b) }' && b=$s
   done
   echo "$b"
@@ -91,6 +95,7 @@ best() {
 n2=$(best n2.spec)
 n2000=$(best n2000.spec)
 n20000=$(best n20000.spec)
+replaced=$(best n20000.spec then:n2.spec)
 format=""
 for ((r = 0; r < runs; r++)); do
   /usr/bin/time -f %e -o "$work/time" "$cli" format "$work/project/n20000.spec" -o "$work/out.spec" >/dev/null
@@ -102,12 +107,14 @@ opened n20000.spec graph-20000 >/dev/null
 wheel=$(awk '{ s += $2; if ($2 > m) m = $2 } END { printf "%.4f %.4f", s / NR, m }' "$work/wheel.out")
 
 awk -v n2="$n2" -v n2000="$n2000" -v n20000="$n20000" -v fmt="$format" -v wheel="$wheel" \
+    -v replaced="$replaced" \
     -v load="$(cut -d' ' -f1-3 /proc/loadavg)" -v cores="$(nproc)" -v runs="$runs" 'BEGIN {
   split(wheel, w, " ")
   printf "graph open, request to drawn and idle (best of %d; %d cores, load %s)\n", runs, cores, load
   printf "  2 nodes (reference):        %6.3f s\n", n2
   printf "  2,002 nodes:                %6.3f s\n", n2000
   printf "  20,018 nodes:               %6.3f s  (target < 1 s)\n", n20000
+  printf "  2 nodes over 20,018:        %6.3f s  (the large graph taken down)\n", replaced
   printf "  tamblin-cli format 20,018:  %6.3f s  (reference)\n", fmt
   printf "  wheel turn at 20,018 nodes: %6.3f s mean, %.3f s worst of 10 (with the probe)\n", w[1], w[2]
 }'

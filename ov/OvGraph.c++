@@ -11,6 +11,14 @@
 #include <string>
 #include <vector>
 
+// Motif's keyboard traversal keeps a list of every traversable widget of
+// the window, and each widget destroyed is looked for in all of it: taking
+// down 20,000 nodes one by one costs 20,000 times 20,000 steps.  Resetting
+// the list lets those widgets go at once; Motif builds it again the next
+// time the keyboard focus moves.  (Exported by libXm 2.3, used by its own
+// widgets, not declared in its public headers.)
+extern "C" void _XmResetTravGraph(Widget);
+
 namespace {
 
 // X coordinates are 16 bits, and a forest of 20,000 nodes is hundreds of
@@ -54,6 +62,8 @@ struct GraphState {
   // How many nodes name each widget as their parent: destroying a node
   // that is nobody's parent needs no search for orphans.
   std::unordered_map<Widget, int> childCount;
+  // Nodes destroyed since the last layout; from a few on, a batch is going.
+  int destroyedSinceLayout = 0;
 };
 
 struct OvGraphPart {
@@ -369,6 +379,7 @@ void layout(Widget graph) {
   l.run();
   GraphState& s = state(graph);
   l.store(s);
+  s.destroyedSinceLayout = 0;
   // A graph that does not scroll itself is as large as its layout, as far
   // as a window can be.
   int w = std::min(l.width(), kLargestWindow), h = std::min(l.height(), kLargestWindow);
@@ -667,6 +678,9 @@ void ConstraintDestroy(Widget gone) {
   // while still listed: touch none of them.
   if (graph->core.being_destroyed || !part(graph).state) return;
   GraphState& s = state(graph);
+  // Reset for every node of a batch: the list is built again whenever the
+  // focus leaves a node being destroyed.
+  if (++s.destroyedSinceLayout >= 16) _XmResetTravGraph(graph);
   unselect(graph, gone);
   if (Widget parent = parentNodeOf(gone)) forgetParent(s, parent);
   s.shown.erase(std::remove(s.shown.begin(), s.shown.end(), gone), s.shown.end());

@@ -341,6 +341,27 @@ TEST_F(OvGraphTest, ForestsOfAnySizeNeverOverlapAndShowWhatTheWindowHolds) {
   }
 }
 
+TEST_F(OvGraphTest, KeyboardFocusStillMovesAfterManyNodesAreDestroyed) {
+  XtVaSetValues(_shell, XmNwidth, 300, XmNheight, 600, XmNallowShellResize, False, nullptr);
+  Widget graph = OvCreateScrolledGraph(_shell, "graph", nullptr, 0);
+  Widget product = OvGraphAddNode(graph, "product", nullptr);
+  std::vector<Widget> images;
+  for (int i = 0; i < 40; ++i) {
+    std::string name = "image" + std::to_string(i);
+    images.push_back(OvGraphAddNode(graph, name.c_str(), product));
+  }
+  realize();
+  ASSERT_TRUE(XmProcessTraversal(images[0], XmTRAVERSE_CURRENT));
+  EXPECT_EQ(images[0], XmGetFocusWidget(graph));
+  for (int i = 0; i < 30; ++i) XtDestroyWidget(images[i]);  // the focused one first
+  UiTestApp::flush();
+  for (Widget w : {images[35], images[30], product}) {
+    OvGraphShowNode(graph, w);
+    EXPECT_TRUE(XmProcessTraversal(w, XmTRAVERSE_CURRENT)) << XtName(w);
+    EXPECT_EQ(w, XmGetFocusWidget(graph)) << XtName(w);
+  }
+}
+
 TEST_F(OvGraphTest, SelectingANodeScrollsItIntoView) {
   XtVaSetValues(_shell, XmNwidth, 300, XmNheight, 200, XmNallowShellResize, False, nullptr);
   Widget graph = OvCreateScrolledGraph(_shell, "graph", nullptr, 0);
