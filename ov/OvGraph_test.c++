@@ -267,8 +267,16 @@ TEST_F(OvGraphTest, ForestsOfAnySizeNeverOverlapAndShowWhatTheWindowHolds) {
                   XmATTACH_FORM, nullptr);
     auto forest = generatedForest(total);
     std::vector<Widget> widgets;
-    for (const auto& [name, parent] : forest)
-      widgets.push_back(OvGraphAddNode(graph, name.c_str(), parent < 0 ? nullptr : widgets[parent]));
+    for (const auto& [name, parent] : forest) {
+      // The names go to the labels; widget names stay few (every distinct
+      // widget name is kept for the life of the process).
+      XmString label = XmStringCreateLocalized(const_cast<char*>(name.c_str()));
+      Arg args[1];
+      XtSetArg(args[0], XmNlabelString, label);
+      widgets.push_back(OvGraphAddNodeWithArgs(graph, parent < 0 ? "product" : "node",
+                                               parent < 0 ? nullptr : widgets[parent], args, 1));
+      XmStringFree(label);
+    }
     realize();
 
     // Every node is placed at its widget's size, right of its parent, and
