@@ -167,7 +167,10 @@ struct Node {
 class Layout {
  public:
   explicit Layout(Widget graph) : _g(part(graph)) {
+    Cardinal children = reinterpret_cast<CompositeWidget>(graph)->composite.num_children;
     std::unordered_map<Widget, int> index;
+    index.reserve(children);
+    _nodes.reserve(children);
     forManagedChildren(graph, [&](Widget w) {
       index[w] = static_cast<int>(_nodes.size());
       int b = 2 * w->core.border_width;
