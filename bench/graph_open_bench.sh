@@ -52,6 +52,8 @@ owns_name() {
     org.freedesktop.DBus.NameHasOwner string:com.orvex.Tamblin 2>/dev/null | grep -q true
 }
 
+main_window() { xdotool search --onlyvisible --name '^Tamblin$' 2>/dev/null | head -n1 | grep .; }
+
 # opened SPEC [SHOT|then:SPEC2]: seconds from the request to the graph
 # drawn, in a program started for it; a second argument takes a screenshot
 # and times wheel turns, or (then:) times opening SPEC2 over SPEC instead.
@@ -59,8 +61,12 @@ opened() {
   (cd "$work" && exec "$prog" -nofork) >"$work/prog.log" 2>&1 &
   prog_pid=$!
   poll 30 owns_name || fail "the program did not take its bus name: $(cat "$work/prog.log")"
+  # One look at a time: xdotool gives up on an X error when a window it
+  # listed goes away meanwhile (the start-up banner), so --sync cannot be
+  # trusted to keep looking.
+  poll 30 main_window >/dev/null || fail "the main window did not appear"
   local window
-  window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1)
+  window=$(main_window)
   eval "$(xdotool getwindowgeometry --shell "$window")"
   # The File entry of the menu bar is the probe's menu; the graph fills
   # the lower left of the window.
