@@ -1,6 +1,8 @@
-// How long a product hierarchy of 2,000 nodes takes to appear in the graph:
-// built before the window is shown (one layout), and grown node by node in
-// a shown window (a layout after every node).  Target: under a second.
+// How long a product hierarchy of 2,000 and 20,000 nodes takes to appear in
+// the graph: built before the window is shown (one layout), and grown node
+// by node in a shown window (one layout once the event loop runs again).
+// Target: under a second for 20,000 nodes.  The whole program is timed
+// through its window by graph_open_bench.sh.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -23,10 +25,10 @@ void flush() {
   while (XtAppPending(gContext)) XtAppProcessEvent(gContext, XtIMAll);
 }
 
-// 20 products of 9 images of 10 subsystems: 20 + 180 + 1,800 nodes.
-int addHierarchy(Widget graph) {
+// PRODUCTS products of 9 images of 10 subsystems: 100 nodes a product.
+int addHierarchy(Widget graph, int products) {
   int n = 0;
-  for (int p = 0; p < 20; ++p) {
+  for (int p = 0; p < products; ++p) {
     Widget product = OvGraphAddNode(graph, ("product" + std::to_string(p)).c_str(), nullptr);
     ++n;
     for (int i = 0; i < 9; ++i) {
@@ -44,12 +46,12 @@ Widget newShell() {
                             XmNheight, 600, nullptr);
 }
 
-void BM_GraphOf2000NodesBuiltThenShown(benchmark::State& state) {
+void BM_GraphBuiltThenShown(benchmark::State& state) {
   int nodes = 0;
   for (auto _ : state) {
     Widget shell = newShell();
     Widget graph = OvCreateScrolledGraph(shell, "graph", nullptr, 0);
-    nodes = addHierarchy(graph);
+    nodes = addHierarchy(graph, static_cast<int>(state.range(0)) / 100);
     XtRealizeWidget(shell);
     flush();
     state.PauseTiming();
@@ -59,16 +61,16 @@ void BM_GraphOf2000NodesBuiltThenShown(benchmark::State& state) {
   }
   state.counters["nodes"] = nodes;
 }
-BENCHMARK(BM_GraphOf2000NodesBuiltThenShown)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GraphBuiltThenShown)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
-void BM_GraphOf2000NodesGrownWhileShown(benchmark::State& state) {
+void BM_GraphGrownWhileShown(benchmark::State& state) {
   int nodes = 0;
   for (auto _ : state) {
     Widget shell = newShell();
     Widget graph = OvCreateScrolledGraph(shell, "graph", nullptr, 0);
     XtRealizeWidget(shell);
     flush();
-    nodes = addHierarchy(graph);
+    nodes = addHierarchy(graph, static_cast<int>(state.range(0)) / 100);
     flush();
     state.PauseTiming();
     XtDestroyWidget(shell);
@@ -77,7 +79,7 @@ void BM_GraphOf2000NodesGrownWhileShown(benchmark::State& state) {
   }
   state.counters["nodes"] = nodes;
 }
-BENCHMARK(BM_GraphOf2000NodesGrownWhileShown)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_GraphGrownWhileShown)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -43,7 +43,7 @@ awk -v n="$lines" -v size="$size" -v gs="$gnu_s" -v gk="$gnu_kb" -v os="$our_s" 
   printf "GNU sort:        %6.2f s  peak %6.1f MB\n", gs, gk * 1024 / 1e6
   printf "tamblin-cli sort:%6.2f s  peak %6.1f MB\n", os, ok * 1024 / 1e6
   printf "time ratio (tamblin/GNU): %.2f  (target <= 0.50)\n", (gs > 0 ? os / gs : 0)
-  printf "peak memory / file size:  %.2f  (target < 3.00)\n", ok * 1024 / size
+  printf "peak memory / file size:  %.2f  (target < 2.00)\n", ok * 1024 / size
   printf "outputs byte-identical:   %s\n", same
 }'
 [[ $same == yes ]]

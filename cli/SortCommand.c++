@@ -4,9 +4,8 @@
 #include <string>
 
 #include "cli/CliCommand.h"
-#include "cli/CliInput.h"
 #include "cli/Subcommands.h"
-#include "idb/Idb.h"
+#include "idb/IdbFileSorter.h"
 
 namespace {
 
@@ -25,28 +24,16 @@ const CliCommand::Spec kSpec = {
     "2 usage error, or a file that cannot be read or written.\n",
     1, 1, {"-o"}};
 
-// The records in save order, one line each.
-void writeSorted(Idb& db, std::FILE* out) {
-  db.sort();
-  std::string text, line;
-  for (int i = 0; i < db.count(); ++i) {
-    db.write(line, static_cast<unsigned>(i));
-    text += line;
-    text += '\n';
-    if (text.size() >= (1u << 16)) {
-      std::fwrite(text.data(), 1, text.size(), out);
-      text.clear();
-    }
-  }
-  std::fwrite(text.data(), 1, text.size(), out);
-}
-
 }  // namespace
 
 int sortCommand(int argc, char** argv) {
   CliCommand command(kSpec);
   if (std::optional<int> status = command.parse(argc, argv)) return *status;
-  Idb db;
-  if (std::optional<int> status = loadIdb(db, command.operands()[0])) return *status;
-  return command.writeResult("idb", [&db](std::FILE* out) { writeSorted(db, out); });
+  const std::string& in = command.operands()[0];
+  IdbFileSorter sorter;
+  if (std::optional<std::string> message = sorter.read(in)) {
+    std::fprintf(stderr, "%s\n", message->c_str());
+    return CliCommand::inputFailure(in);
+  }
+  return command.writeResult("idb", [&sorter](std::FILE* out) { sorter.write(out); });
 }

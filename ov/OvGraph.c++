@@ -2,6 +2,7 @@
 
 #include <Xm/ManagerP.h>
 #include <Xm/PushBG.h>
+#include <Xm/ScrollBar.h>
 #include <Xm/ScrolledW.h>
 #include <Xm/XmP.h>
 
@@ -10,11 +11,59 @@
 #include <string>
 #include <vector>
 
+// Motif's keyboard traversal keeps a list of every traversable widget of
+// the window, and each widget destroyed is looked for in all of it: taking
+// down 20,000 nodes one by one costs 20,000 times 20,000 steps.  Resetting
+// the list lets those widgets go at once; Motif builds it again the next
+// time the keyboard focus moves.  (Exported by libXm 2.3, used by its own
+// widgets, not declared in its public headers.)
+extern "C" void _XmResetTravGraph(Widget);
+
 namespace {
+
+// X coordinates are 16 bits, and a forest of 20,000 nodes is hundreds of
+// thousands of pixels high: the layout lives in coordinates of its own, and
+// only the nodes inside the window get a position in it.  The others wait
+// here, outside any window.
+constexpr int kParked = -32000;
+// The largest window an unscrolled graph asks for.
+constexpr int kLargestWindow = 32767;
+// Scrolling steps: a line of the scroll bars, one turn of a mouse wheel.
+constexpr int kScrollStep = 24;
+
+// Where the last layout put one node, in layout coordinates.
+struct Placement {
+  Widget widget;  // null once destroyed
+  int x, y, width, height;
+  int parent;  // index into the placements, -1 for a root
+};
 
 struct GraphState {
   std::vector<Widget> selected;
   XtIntervalId pendingLayout = 0;
+
+  // The last layout: placements in the order it placed them, and per depth
+  // (column) the nodes top to bottom, which is what finds the nodes inside
+  // the window without looking at the others.
+  std::vector<Placement> placed;
+  std::unordered_map<Widget, int> indexOf;
+  std::vector<std::vector<int>> columns;
+  std::vector<int> columnLeft, columnWidth;
+  int width = 1, height = 1;  // the whole layout
+
+  int scrollX = 0, scrollY = 0;  // layout coordinates of the window's corner
+  Widget hbar = nullptr, vbar = nullptr;  // when the graph scrolls itself
+  std::vector<Widget> shown;  // nodes placed inside the window
+  // Motif's keyboard traversal has yet to learn of a change of the managed
+  // nodes: it asks the server about the window each time, so it is told
+  // once per batch of changes, with the layout.
+  bool navigationDue = false;
+
+  // How many nodes name each widget as their parent: destroying a node
+  // that is nobody's parent needs no search for orphans.
+  std::unordered_map<Widget, int> childCount;
+  // Nodes destroyed since the last layout; from a few on, a batch is going.
+  int destroyedSinceLayout = 0;
 };
 
 struct OvGraphPart {
@@ -63,6 +112,7 @@ struct OvGraphClassRec {
 };
 
 OvGraphPart& part(Widget w) { return reinterpret_cast<OvGraphRec*>(w)->graph; }
+GraphState& state(Widget w) { return *part(w).state; }
 Widget& parentNodeOf(Widget child) {
   return reinterpret_cast<OvGraphConstraintRec*>(child->core.constraints)->graph.parent_node;
 }
@@ -117,7 +167,10 @@ struct Node {
 class Layout {
  public:
   explicit Layout(Widget graph) : _g(part(graph)) {
+    Cardinal children = reinterpret_cast<CompositeWidget>(graph)->composite.num_children;
     std::unordered_map<Widget, int> index;
+    index.reserve(children);
+    _nodes.reserve(children);
     forManagedChildren(graph, [&](Widget w) {
       index[w] = static_cast<int>(_nodes.size());
       int b = 2 * w->core.border_width;
@@ -159,13 +212,27 @@ class Layout {
   int width() const { return std::max(_width, 1); }
   int height() const { return std::max(_height, 1); }
 
-  void apply() {
-    for (const Node& n : _nodes) {
-      Widget w = n.widget;
-      if (w->core.x != n.x || w->core.y != n.y)
-        XmeConfigureObject(w, static_cast<Position>(n.x), static_cast<Position>(n.y),
-                           w->core.width, w->core.height, w->core.border_width);
+  /// Hands the placements to the graph's state.
+  void store(GraphState& s) const {
+    s.placed.clear();
+    s.placed.reserve(_nodes.size());
+    s.indexOf.clear();
+    s.indexOf.reserve(_nodes.size());
+    s.columns.assign(_columnLeft.size(), {});
+    std::vector<int> placedIndex(_nodes.size(), -1);
+    for (int i : _order) {
+      const Node& n = _nodes[i];
+      placedIndex[i] = static_cast<int>(s.placed.size());
+      s.indexOf[n.widget] = placedIndex[i];
+      s.columns[n.depth].push_back(placedIndex[i]);
+      s.placed.push_back({n.widget, n.x, n.y, n.width, n.height, -1});
     }
+    for (int i : _order)
+      for (int c : _nodes[i].children) s.placed[placedIndex[c]].parent = placedIndex[i];
+    s.columnLeft = _columnLeft;
+    s.columnWidth = _columnWidth;
+    s.width = width();
+    s.height = height();
   }
 
  private:
@@ -201,12 +268,15 @@ class Layout {
       x += widest[d] + _g.child_spacing;
     }
     for (Node& n : _nodes) n.x = left[n.depth];
+    _columnLeft = left;
+    _columnWidth = widest;
     _width = widest.empty() ? 2 * _g.margin : x - _g.child_spacing + _g.margin;
   }
 
   // Places the subtree of i in the band starting at top; _bottom is left at
   // the band's lower edge.
   void place(int i, int top) {
+    _order.push_back(i);
     Node& n = _nodes[i];
     if (n.children.empty()) {
       n.y = top;
@@ -243,6 +313,8 @@ class Layout {
   OvGraphPart& _g;
   std::vector<Node> _nodes;
   std::vector<int> _roots;
+  std::vector<int> _order;  // the order of place(): top to bottom in every column
+  std::vector<int> _columnLeft, _columnWidth;
   int _bottom = 0, _width = 0, _height = 0;
 };
 
@@ -250,22 +322,127 @@ void redraw(Widget graph) {
   if (XtIsRealized(graph)) XClearArea(XtDisplay(graph), XtWindow(graph), 0, 0, 0, 0, True);
 }
 
+void moveNode(Widget w, int x, int y) {
+  if (w->core.x != x || w->core.y != y)
+    XtMoveWidget(w, static_cast<Position>(x), static_cast<Position>(y));
+}
+
+// Gives the nodes inside the window their window positions and parks the
+// ones that left it.  Costs what the window shows, not what the graph holds.
+void placeVisible(Widget graph) {
+  GraphState& s = state(graph);
+  int vw = graph->core.width, vh = graph->core.height;
+  s.scrollX = std::max(0, std::min(s.scrollX, s.width - vw));
+  s.scrollY = std::max(0, std::min(s.scrollY, s.height - vh));
+  std::vector<char> stays(s.placed.size(), 0);
+  std::vector<Widget> now;
+  for (size_t d = 0; d < s.columns.size(); ++d) {
+    if (s.columnLeft[d] >= s.scrollX + vw || s.columnLeft[d] + s.columnWidth[d] <= s.scrollX)
+      continue;
+    const std::vector<int>& column = s.columns[d];
+    auto first = std::partition_point(column.begin(), column.end(), [&s](int i) {
+      return s.placed[i].y + s.placed[i].height <= s.scrollY;
+    });
+    for (auto at = first; at != column.end() && s.placed[*at].y < s.scrollY + vh; ++at) {
+      const Placement& p = s.placed[*at];
+      if (!p.widget || p.x + p.width <= s.scrollX || p.x >= s.scrollX + vw) continue;
+      moveNode(p.widget, p.x - s.scrollX, p.y - s.scrollY);
+      stays[*at] = 1;
+      now.push_back(p.widget);
+    }
+  }
+  for (Widget w : s.shown) {
+    auto at = s.indexOf.find(w);
+    if (at == s.indexOf.end() || !stays[at->second]) moveNode(w, kParked, kParked);
+  }
+  s.shown.swap(now);
+}
+
+void updateScrollBars(Widget graph) {
+  GraphState& s = state(graph);
+  auto set = [](Widget bar, int total, int view, int value) {
+    view = std::max(view, 1);
+    int maximum = std::max(total, view);
+    XtVaSetValues(bar, XmNminimum, 0, XmNmaximum, maximum, XmNsliderSize, view, XmNvalue,
+                  std::max(0, std::min(value, maximum - view)), XmNincrement, kScrollStep,
+                  XmNpageIncrement, std::max(1, view - kScrollStep), nullptr);
+  };
+  if (s.hbar) set(s.hbar, s.width, graph->core.width, s.scrollX);
+  if (s.vbar) set(s.vbar, s.height, graph->core.height, s.scrollY);
+}
+
+void showViewport(Widget graph) {
+  placeVisible(graph);
+  updateScrollBars(graph);
+  redraw(graph);
+}
+
 void layout(Widget graph) {
   Layout l(graph);
   l.run();
-  if (l.width() != graph->core.width || l.height() != graph->core.height) {
-    Dimension w = 0, h = 0;
-    XtGeometryResult r = XtMakeResizeRequest(graph, static_cast<Dimension>(l.width()),
-                                             static_cast<Dimension>(l.height()), &w, &h);
-    if (r == XtGeometryAlmost) XtMakeResizeRequest(graph, w, h, nullptr, nullptr);
+  GraphState& s = state(graph);
+  l.store(s);
+  s.destroyedSinceLayout = 0;
+  // A graph that does not scroll itself is as large as its layout, as far
+  // as a window can be.
+  int w = std::min(l.width(), kLargestWindow), h = std::min(l.height(), kLargestWindow);
+  if (!s.vbar && (w != graph->core.width || h != graph->core.height)) {
+    Dimension aw = 0, ah = 0;
+    XtGeometryResult r = XtMakeResizeRequest(graph, static_cast<Dimension>(w),
+                                             static_cast<Dimension>(h), &aw, &ah);
+    if (r == XtGeometryAlmost) XtMakeResizeRequest(graph, aw, ah, nullptr, nullptr);
   }
-  l.apply();
-  redraw(graph);
+  showViewport(graph);
+  if (s.navigationDue) {
+    s.navigationDue = false;
+    XmeNavigChangeManaged(graph);
+  }
+}
+
+void layoutNowIfPending(Widget graph) {
+  GraphState& s = state(graph);
+  if (!s.pendingLayout) return;
+  XtRemoveTimeOut(s.pendingLayout);
+  s.pendingLayout = 0;
+  layout(graph);
+}
+
+void scrollTo(Widget graph, int x, int y) {
+  GraphState& s = state(graph);
+  if (x == s.scrollX && y == s.scrollY) return;
+  s.scrollX = x;
+  s.scrollY = y;
+  showViewport(graph);
+}
+
+// Scrolls as little as needed to show node whole (as far as it fits).
+void reveal(Widget graph, Widget node) {
+  layoutNowIfPending(graph);
+  GraphState& s = state(graph);
+  auto at = s.indexOf.find(node);
+  if (at == s.indexOf.end()) return;
+  const Placement& p = s.placed[at->second];
+  int m = part(graph).margin;
+  auto axis = [m](int scroll, int pos, int size, int view) {
+    if (pos + size + m > scroll + view) scroll = pos + size + m - view;
+    if (pos - m < scroll) scroll = pos - m;
+    return std::max(scroll, 0);
+  };
+  scrollTo(graph, axis(s.scrollX, p.x, p.width, graph->core.width),
+           axis(s.scrollY, p.y, p.height, graph->core.height));
+}
+
+void scrollBarMoved(Widget bar, XtPointer clientData, XtPointer callData) {
+  Widget graph = static_cast<Widget>(clientData);
+  int value = static_cast<XmScrollBarCallbackStruct*>(callData)->value;
+  GraphState& s = state(graph);
+  if (bar == s.vbar) scrollTo(graph, s.scrollX, value);
+  else scrollTo(graph, value, s.scrollY);
 }
 
 void deferredLayout(XtPointer clientData, XtIntervalId*) {
   Widget graph = static_cast<Widget>(clientData);
-  part(graph).state->pendingLayout = 0;
+  state(graph).pendingLayout = 0;
   layout(graph);
 }
 
@@ -323,7 +500,17 @@ void nodeActivated(Widget node, XtPointer clientData, XtPointer callData) {
 }
 
 void backgroundPressed(Widget graph, XtPointer, XEvent* event, Boolean*) {
-  if (event->type != ButtonPress || event->xbutton.button != Button1) return;
+  if (event->type != ButtonPress) return;
+  unsigned button = event->xbutton.button;
+  if ((button == Button4 || button == Button5) && state(graph).vbar) {
+    // A wheel turn scrolls three lines; with Shift, sideways.
+    GraphState& s = state(graph);
+    int step = (button == Button4 ? -3 : 3) * kScrollStep;
+    if (event->xbutton.state & ShiftMask) scrollTo(graph, std::max(0, s.scrollX + step), s.scrollY);
+    else scrollTo(graph, s.scrollX, std::max(0, s.scrollY + step));
+    return;
+  }
+  if (button != Button1) return;
   if (XmObjectAtPoint(graph, static_cast<Position>(event->xbutton.x),
                       static_cast<Position>(event->xbutton.y)))
     return;  // a gadget node takes its own clicks
@@ -365,29 +552,63 @@ void Destroy(Widget w) {
   g.state = nullptr;
 }
 
+// Clips the segment to the window (with a pixel to spare) so that its ends
+// fit X's 16-bit coordinates; false when nothing of it is inside.
+bool clipToWindow(double& x1, double& y1, double& x2, double& y2, int width, int height) {
+  double t0 = 0, t1 = 1, dx = x2 - x1, dy = y2 - y1;
+  auto edge = [&t0, &t1](double p, double q) {  // keeps the t with p * t <= q
+    if (p == 0) return q >= 0;
+    double r = q / p;
+    if (p < 0) {
+      if (r > t1) return false;
+      t0 = std::max(t0, r);
+    } else {
+      if (r < t0) return false;
+      t1 = std::min(t1, r);
+    }
+    return true;
+  };
+  if (!edge(-dx, x1 + 2) || !edge(dx, width + 2 - x1) || !edge(-dy, y1 + 2) ||
+      !edge(dy, height + 2 - y1))
+    return false;
+  x2 = x1 + t1 * dx;
+  y2 = y1 + t1 * dy;
+  x1 += t0 * dx;
+  y1 += t0 * dy;
+  return true;
+}
+
 void Redisplay(Widget w, XEvent* event, Region region) {
   OvGraphPart& g = part(w);
+  GraphState& s = *g.state;
   Display* d = XtDisplay(w);
   Window win = XtWindow(w);
-  forManagedChildren(w, [&](Widget child) {
-    Widget parent = parentNodeOf(child);
-    if (!parent || parent == child || XtParent(parent) != w || !XtIsManaged(parent)) return;
-    int x1 = parent->core.x + parent->core.width + 2 * parent->core.border_width;
-    int y1 = parent->core.y + parent->core.height / 2 + parent->core.border_width;
-    int x2 = child->core.x;
-    int y2 = child->core.y + child->core.height / 2 + child->core.border_width;
-    XDrawLine(d, win, g.arc_gc, x1, y1, x2, y2);
-  });
-  for (Widget s : g.state->selected) {
-    if (!XtIsManaged(s)) continue;
-    int b = 2 * s->core.border_width;
-    XDrawRectangle(d, win, g.frame_gc, s->core.x - 3, s->core.y - 3, s->core.width + b + 5,
-                   s->core.height + b + 5);
+  // Arcs of nodes outside the window may cross it: every arc is looked at,
+  // only the visible part of it is sent.
+  std::vector<XSegment> arcs;
+  for (const Placement& c : s.placed) {
+    if (c.parent < 0 || !c.widget || !s.placed[c.parent].widget) continue;
+    const Placement& p = s.placed[c.parent];
+    double x1 = p.x + p.width - s.scrollX, y1 = p.y + p.height / 2 - s.scrollY;
+    double x2 = c.x - s.scrollX, y2 = c.y + c.height / 2 - s.scrollY;
+    if (!clipToWindow(x1, y1, x2, y2, w->core.width, w->core.height)) continue;
+    arcs.push_back({static_cast<short>(x1), static_cast<short>(y1), static_cast<short>(x2),
+                    static_cast<short>(y2)});
+  }
+  if (!arcs.empty()) XDrawSegments(d, win, g.arc_gc, arcs.data(), static_cast<int>(arcs.size()));
+  for (Widget sel : s.selected) {
+    if (!XtIsManaged(sel) || sel->core.x == kParked) continue;
+    int b = 2 * sel->core.border_width;
+    XDrawRectangle(d, win, g.frame_gc, sel->core.x - 3, sel->core.y - 3, sel->core.width + b + 5,
+                   sel->core.height + b + 5);
   }
   XmeRedisplayGadgets(w, event, region);
 }
 
-void Resize(Widget) {}  // the layout fixes positions, not the graph's size
+// The window shows another part of the layout; the layout stays.
+void Resize(Widget w) {
+  if (part(w).state) showViewport(w);
+}
 
 Boolean SetValues(Widget old, Widget, Widget now, ArgList, Cardinal*) {
   OvGraphPart& o = part(old);
@@ -408,8 +629,8 @@ XtGeometryResult QueryGeometry(Widget w, XtWidgetGeometry* intended, XtWidgetGeo
   Layout l(w);
   l.run();
   preferred->request_mode = CWWidth | CWHeight;
-  preferred->width = static_cast<Dimension>(l.width());
-  preferred->height = static_cast<Dimension>(l.height());
+  preferred->width = static_cast<Dimension>(std::min(l.width(), kLargestWindow));
+  preferred->height = static_cast<Dimension>(std::min(l.height(), kLargestWindow));
   return XmeReplyToQueryGeometry(w, intended, preferred);
 }
 
@@ -427,18 +648,31 @@ XtGeometryResult GeometryManager(Widget child, XtWidgetGeometry* request, XtWidg
 
 void ChangeManaged(Widget w) {
   // Nodes that left the graph's managed set leave the selection too.
-  std::vector<Widget>& selected = part(w).state->selected;
-  selected.erase(std::remove_if(selected.begin(), selected.end(),
-                                [](Widget s) { return !XtIsManaged(s); }),
-                 selected.end());
+  GraphState& s = state(w);
+  s.selected.erase(std::remove_if(s.selected.begin(), s.selected.end(),
+                                  [](Widget n) { return !XtIsManaged(n); }),
+                   s.selected.end());
+  s.navigationDue = true;
   autoLayout(w);
-  XmeNavigChangeManaged(w);
+  if (s.navigationDue && !s.pendingLayout) {  // no layout to come
+    s.navigationDue = false;
+    XmeNavigChangeManaged(w);
+  }
 }
 
 void ConstraintInitialize(Widget, Widget created, ArgList, Cardinal*) {
   Widget graph = XtParent(created);
   if (XtHasCallbacks(created, XmNactivateCallback) != XtCallbackNoList)
     XtAddCallback(created, XmNactivateCallback, &nodeActivated, graph);
+  // Out of sight until the layout gives it a place.
+  created->core.x = kParked;
+  created->core.y = kParked;
+  if (Widget parent = parentNodeOf(created)) ++state(graph).childCount[parent];
+}
+
+void forgetParent(GraphState& s, Widget parent) {
+  auto at = s.childCount.find(parent);
+  if (at != s.childCount.end() && --at->second <= 0) s.childCount.erase(at);
 }
 
 void ConstraintDestroy(Widget gone) {
@@ -446,16 +680,33 @@ void ConstraintDestroy(Widget gone) {
   // When the graph itself goes, its children are freed one after the other
   // while still listed: touch none of them.
   if (graph->core.being_destroyed || !part(graph).state) return;
+  GraphState& s = state(graph);
+  // Reset for every node of a batch: the list is built again whenever the
+  // focus leaves a node being destroyed.
+  if (++s.destroyedSinceLayout >= 16) _XmResetTravGraph(graph);
   unselect(graph, gone);
+  if (Widget parent = parentNodeOf(gone)) forgetParent(s, parent);
+  s.shown.erase(std::remove(s.shown.begin(), s.shown.end(), gone), s.shown.end());
+  auto placed = s.indexOf.find(gone);
+  if (placed != s.indexOf.end()) {
+    s.placed[placed->second].widget = nullptr;
+    s.indexOf.erase(placed);
+  }
   // Orphans become roots rather than pointing at a dead widget.
-  CompositeWidget cw = reinterpret_cast<CompositeWidget>(graph);
-  for (Cardinal i = 0; i < cw->composite.num_children; ++i)
-    if (parentNodeOf(cw->composite.children[i]) == gone)
-      parentNodeOf(cw->composite.children[i]) = nullptr;
+  if (s.childCount.erase(gone)) {
+    CompositeWidget cw = reinterpret_cast<CompositeWidget>(graph);
+    for (Cardinal i = 0; i < cw->composite.num_children; ++i)
+      if (parentNodeOf(cw->composite.children[i]) == gone)
+        parentNodeOf(cw->composite.children[i]) = nullptr;
+  }
 }
 
 Boolean ConstraintSetValues(Widget old, Widget, Widget now, ArgList, Cardinal*) {
-  if (parentNodeOf(old) != parentNodeOf(now) && XtIsManaged(now)) autoLayout(XtParent(now));
+  if (parentNodeOf(old) == parentNodeOf(now)) return False;
+  GraphState& s = state(XtParent(now));
+  if (parentNodeOf(old)) forgetParent(s, parentNodeOf(old));
+  if (parentNodeOf(now)) ++s.childCount[parentNodeOf(now)];
+  if (XtIsManaged(now)) autoLayout(XtParent(now));
   return False;
 }
 
@@ -534,17 +785,62 @@ Widget OvCreateGraph(Widget parent, const char* name, ArgList args, Cardinal num
 
 Widget OvCreateScrolledGraph(Widget parent, const char* name, ArgList args, Cardinal numArgs) {
   std::string swName = std::string(name) + "SW";
+  // The graph is the scrolled window's work area and moves its nodes
+  // itself: a scrolled window of its own kind would need a child as large
+  // as the whole forest, beyond what X coordinates reach.
   Widget sw = XtVaCreateManagedWidget(swName.c_str(), xmScrolledWindowWidgetClass, parent,
-                                      XmNscrollingPolicy, XmAUTOMATIC, nullptr);
+                                      XmNscrollingPolicy, XmAPPLICATION_DEFINED,
+                                      XmNscrollBarDisplayPolicy, XmSTATIC, nullptr);
   Widget graph = XtCreateManagedWidget(name, ovGraphWidgetClass, sw, args, numArgs);
+  GraphState& s = state(graph);
+  s.hbar = XtVaCreateManagedWidget("horizontalScrollBar", xmScrollBarWidgetClass, sw,
+                                   XmNorientation, XmHORIZONTAL, nullptr);
+  s.vbar = XtVaCreateManagedWidget("verticalScrollBar", xmScrollBarWidgetClass, sw,
+                                   XmNorientation, XmVERTICAL, nullptr);
+  for (Widget bar : {s.hbar, s.vbar}) {
+    XtAddCallback(bar, XmNvalueChangedCallback, &scrollBarMoved, graph);
+    XtAddCallback(bar, XmNdragCallback, &scrollBarMoved, graph);
+  }
+  XmScrolledWindowSetAreas(sw, s.hbar, s.vbar, graph);
+  updateScrollBars(graph);
   return graph;
 }
 
 Widget OvGraphAddNode(Widget graph, const char* name, Widget parentNode) {
+  return OvGraphAddNodeWithArgs(graph, name, parentNode, nullptr, 0);
+}
+
+Widget OvGraphAddNodeWithArgs(Widget graph, const char* name, Widget parentNode, ArgList args,
+                              Cardinal numArgs) {
   if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return nullptr;
-  Arg args[1];
-  XtSetArg(args[0], OvNparentNode, parentNode);
-  return XtCreateManagedWidget(name, part(graph).default_node_class, graph, args, 1);
+  std::vector<Arg> all(args, args + numArgs);
+  Arg parent;
+  XtSetArg(parent, OvNparentNode, parentNode);
+  all.push_back(parent);
+  return XtCreateManagedWidget(name, part(graph).default_node_class, graph, all.data(),
+                               static_cast<Cardinal>(all.size()));
+}
+
+Boolean OvGraphNodeBounds(Widget graph, Widget node, OvGraphBounds* bounds) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return False;
+  layoutNowIfPending(graph);
+  GraphState& s = state(graph);
+  auto at = s.indexOf.find(node);
+  if (at == s.indexOf.end()) return False;
+  const Placement& p = s.placed[at->second];
+  *bounds = {p.x, p.y, p.width, p.height};
+  return True;
+}
+
+void OvGraphGetView(Widget graph, OvGraphBounds* view) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return;
+  GraphState& s = state(graph);
+  *view = {s.scrollX, s.scrollY, graph->core.width, graph->core.height};
+}
+
+void OvGraphShowNode(Widget graph, Widget node) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return;
+  reveal(graph, node);
 }
 
 WidgetList OvGraphGetSelectedNodes(Widget graph, int* count) {
@@ -574,13 +870,14 @@ void OvGraphUnselectNodes(Widget graph, WidgetList nodes, int count, Boolean wit
 void OvGraphSelectNode(Widget graph, Widget node, Boolean withNotify) {
   if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node || XtParent(node) != graph)
     return;
+  reveal(graph, node);
   select(graph, node, withNotify, nullptr);
 }
 
 void OvGraphLayout(Widget graph, Widget) {
   if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass)) return;
-  GraphState* state = part(graph).state;
-  if (state->pendingLayout) XtRemoveTimeOut(state->pendingLayout);
-  state->pendingLayout = 0;
+  GraphState& s = state(graph);
+  if (s.pendingLayout) XtRemoveTimeOut(s.pendingLayout);
+  s.pendingLayout = 0;
   layout(graph);
 }

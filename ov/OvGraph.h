@@ -16,8 +16,13 @@
 // calls "deselectCallback".  Without "allowMultipleSelections" selecting a
 // node unselects the others.  Selected nodes are framed.
 //
-// The graph takes the size its layout needs; put it in a scrolled window
-// (OvCreateScrolledGraph) to scroll a large tree.
+// Scrolling: OvCreateScrolledGraph puts the graph in a scrolled window whose
+// scroll bars the graph drives itself.  The layout has coordinates of its
+// own, unbounded; only the nodes inside the window are given a position in
+// it (node widgets outside it stand far off at negative coordinates), so a
+// forest of any size costs what the window shows, and X's 16-bit
+// coordinates never overflow.  A graph outside such a window takes the size
+// its layout needs, up to the largest window X allows.
 #ifndef TAMBLIN_OV_OVGRAPH_H
 #define TAMBLIN_OV_OVGRAPH_H
 
@@ -62,6 +67,22 @@ Widget OvCreateScrolledGraph(Widget parent, const char* name, ArgList args, Card
 /// A managed node of the graph's "defaultNodeClass" under parentNode (null:
 /// a new root).
 Widget OvGraphAddNode(Widget graph, const char* name, Widget parentNode);
+/// The same with resources of the node (its label, user data) given at
+/// creation, which spares a change of size per node.
+Widget OvGraphAddNodeWithArgs(Widget graph, const char* name, Widget parentNode, ArgList args,
+                              Cardinal numArgs);
+
+/// A rectangle in layout coordinates (0,0 is the layout's top left corner).
+struct OvGraphBounds {
+  int x, y, width, height;
+};
+/// Where the layout puts node (laying out first if a layout is due); False
+/// when node is not a laid-out node of graph.
+Boolean OvGraphNodeBounds(Widget graph, Widget node, OvGraphBounds* bounds);
+/// The part of the layout the graph's window shows.
+void OvGraphGetView(Widget graph, OvGraphBounds* view);
+/// Scrolls as little as needed to show node.
+void OvGraphShowNode(Widget graph, Widget node);
 
 /// The selected nodes, in the order they were selected; the caller frees the
 /// array with XtFree.  null when there are none.
@@ -69,7 +90,8 @@ WidgetList OvGraphGetSelectedNodes(Widget graph, int* count);
 /// Unselects the listed nodes; with notify, calls the deselect callbacks if
 /// anything changed.
 void OvGraphUnselectNodes(Widget graph, WidgetList nodes, int count, Boolean notify);
-/// Selects one node; with notify, calls the select-node callbacks.
+/// Selects one node, scrolling it into view; with notify, calls the
+/// select-node callbacks.
 void OvGraphSelectNode(Widget graph, Widget node, Boolean notify);
 /// Lays the whole graph out again (the subtree argument is accepted for
 /// callers that changed only one subtree; the whole forest is placed).

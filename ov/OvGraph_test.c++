@@ -1,13 +1,16 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
 
 #include <X11/IntrinsicP.h>
 #include <X11/Shell.h>
+#include <Xm/Form.h>
 #include <Xm/PushB.h>
+#include <Xm/ScrollBar.h>
 #include <Xm/PushBG.h>
 #include <Xm/ScrolledW.h>
 
@@ -230,22 +233,175 @@ TEST_F(OvGraphTest, MultipleSelectionAndBackgroundClick) {
   EXPECT_EQ("deselect", _seen.calls.back());
 }
 
-TEST_F(OvGraphTest, ScrollsWhenTheTreeIsLargerThanItsWindow) {
+// A forest of about `total` nodes in products of images of subsystems, with
+// names of one to forty characters; (name, parent index) pairs, -1 a root.
+std::vector<std::pair<std::string, int>> generatedForest(int total) {
+  std::vector<std::pair<std::string, int>> nodes;
+  auto name = [](const char* kind, int i) {
+    std::string n = kind + std::to_string(i);
+    n += std::string(static_cast<size_t>((i * 7919) % 40), 'x');
+    return n;
+  };
+  int product = -1, image = -1;
+  for (int i = 0; static_cast<int>(nodes.size()) < total; ++i) {
+    if (i % 1000 == 0) {
+      product = static_cast<int>(nodes.size());
+      nodes.push_back({name("p", i), -1});
+    } else if (i % 100 == 0 || image < 0) {
+      image = static_cast<int>(nodes.size());
+      nodes.push_back({name("i", i), product});
+    } else {
+      nodes.push_back({name("s", i), image});
+    }
+  }
+  return nodes;
+}
+
+TEST_F(OvGraphTest, ForestsOfAnySizeNeverOverlapAndShowWhatTheWindowHolds) {
+  XtVaSetValues(_shell, XmNwidth, 600, XmNheight, 400, XmNallowShellResize, False, nullptr);
+  for (int total : {2, 2000, 20000}) {
+    Widget sw = XtVaCreateManagedWidget("holder", xmFormWidgetClass, _shell, nullptr);
+    Widget graph = OvCreateScrolledGraph(sw, "graph", nullptr, 0);
+    XtVaSetValues(XtParent(graph), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                  XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                  XmATTACH_FORM, nullptr);
+    auto forest = generatedForest(total);
+    std::vector<Widget> widgets;
+    for (const auto& [name, parent] : forest) {
+      // The names go to the labels; widget names stay few (every distinct
+      // widget name is kept for the life of the process).
+      XmString label = XmStringCreateLocalized(const_cast<char*>(name.c_str()));
+      Arg args[1];
+      XtSetArg(args[0], XmNlabelString, label);
+      widgets.push_back(OvGraphAddNodeWithArgs(graph, parent < 0 ? "product" : "node",
+                                               parent < 0 ? nullptr : widgets[parent], args, 1));
+      XmStringFree(label);
+    }
+    realize();
+
+    // Every node is placed at its widget's size, right of its parent, and
+    // no two placements meet (a sweep over them sorted by top edge).
+    std::vector<OvGraphBounds> bounds(widgets.size());
+    for (size_t i = 0; i < widgets.size(); ++i) {
+      ASSERT_TRUE(OvGraphNodeBounds(graph, widgets[i], &bounds[i])) << forest[i].first;
+      Box w = boxOf(widgets[i]);
+      ASSERT_EQ(w.w, bounds[i].width) << forest[i].first;
+      ASSERT_EQ(w.h, bounds[i].height) << forest[i].first;
+      if (forest[i].second >= 0) {
+        const OvGraphBounds& p = bounds[forest[i].second];
+        ASSERT_GT(bounds[i].x, p.x + p.width) << forest[i].first;
+      }
+    }
+    std::vector<size_t> byTop(widgets.size());
+    for (size_t i = 0; i < byTop.size(); ++i) byTop[i] = i;
+    std::sort(byTop.begin(), byTop.end(), [&](size_t a, size_t b) { return bounds[a].y < bounds[b].y; });
+    for (size_t k = 0; k < byTop.size(); ++k) {
+      const OvGraphBounds& a = bounds[byTop[k]];
+      for (size_t j = k + 1; j < byTop.size() && bounds[byTop[j]].y < a.y + a.height; ++j) {
+        const OvGraphBounds& b = bounds[byTop[j]];
+        ASSERT_TRUE(a.x + a.width <= b.x || b.x + b.width <= a.x)
+            << total << ": " << forest[byTop[k]].first << " overlaps " << forest[byTop[j]].first;
+      }
+    }
+    if (total == 20000) {
+      EXPECT_GT(bounds[byTop.back()].y, 65535);  // beyond X coordinates
+    }
+
+    // The widgets inside the window stand where their placement is, seen
+    // from the scrolled corner; the others are out of any window.  Checked
+    // at the top, and again scrolled to the bottom by the scroll bar.
+    Widget vertical = nullptr;
+    XtVaGetValues(XtParent(graph), XmNverticalScrollBar, &vertical, nullptr);
+    ASSERT_NE(nullptr, vertical);
+    for (bool bottom : {false, true}) {
+      if (bottom) {
+        int maximum = 0, slider = 0;
+        XtVaGetValues(vertical, XmNmaximum, &maximum, XmNsliderSize, &slider, nullptr);
+        XmScrollBarSetValues(vertical, maximum - slider, slider, 0, 0, True);
+        UiTestApp::flush();
+      }
+      OvGraphBounds view{};
+      OvGraphGetView(graph, &view);
+      Box g = boxOf(graph);
+      EXPECT_EQ(g.w, view.width);
+      int shown = 0;
+      for (size_t i = 0; i < widgets.size(); ++i) {
+        const OvGraphBounds& b = bounds[i];
+        bool inside = b.x < view.x + view.width && b.x + b.width > view.x &&
+                      b.y < view.y + view.height && b.y + b.height > view.y;
+        Box w = boxOf(widgets[i]);
+        if (inside) {
+          ++shown;
+          ASSERT_EQ(b.x - view.x, w.x) << forest[i].first;
+          ASSERT_EQ(b.y - view.y, w.y) << forest[i].first;
+        } else {
+          ASSERT_TRUE(w.right() <= 0 || w.bottom() <= 0) << forest[i].first << " left in sight";
+        }
+      }
+      EXPECT_GT(shown, 0) << total << (bottom ? " at the bottom" : " at the top");
+      if (bottom) {
+        const OvGraphBounds& last = bounds[byTop.back()];
+        EXPECT_LE(last.y + last.height, view.y + view.height) << total;
+      }
+    }
+    XtDestroyWidget(sw);
+    UiTestApp::flush();
+  }
+}
+
+TEST_F(OvGraphTest, KeyboardFocusStillMovesAfterManyNodesAreDestroyed) {
+  XtVaSetValues(_shell, XmNwidth, 300, XmNheight, 600, XmNallowShellResize, False, nullptr);
+  Widget graph = OvCreateScrolledGraph(_shell, "graph", nullptr, 0);
+  Widget product = OvGraphAddNode(graph, "product", nullptr);
+  std::vector<Widget> images;
+  for (int i = 0; i < 40; ++i) {
+    std::string name = "image" + std::to_string(i);
+    images.push_back(OvGraphAddNode(graph, name.c_str(), product));
+  }
+  realize();
+  ASSERT_TRUE(XmProcessTraversal(images[0], XmTRAVERSE_CURRENT));
+  EXPECT_EQ(images[0], XmGetFocusWidget(graph));
+  for (int i = 0; i < 30; ++i) XtDestroyWidget(images[i]);  // the focused one first
+  UiTestApp::flush();
+  for (Widget w : {images[35], images[30], product}) {
+    OvGraphShowNode(graph, w);
+    EXPECT_TRUE(XmProcessTraversal(w, XmTRAVERSE_CURRENT)) << XtName(w);
+    EXPECT_EQ(w, XmGetFocusWidget(graph)) << XtName(w);
+  }
+}
+
+TEST_F(OvGraphTest, SelectingANodeScrollsItIntoView) {
   XtVaSetValues(_shell, XmNwidth, 300, XmNheight, 200, XmNallowShellResize, False, nullptr);
   Widget graph = OvCreateScrolledGraph(_shell, "graph", nullptr, 0);
   Widget product = OvGraphAddNode(graph, "product", nullptr);
+  std::vector<Widget> images;
   for (int i = 0; i < 40; ++i) {
     std::string name = "image" + std::to_string(i);
-    OvGraphAddNode(graph, name.c_str(), product);
+    images.push_back(OvGraphAddNode(graph, name.c_str(), product));
   }
   realize();
-  Widget sw = XtParent(XtParent(graph));  // the graph sits in the clip window
+  Widget sw = XtParent(graph);
   ASSERT_TRUE(XmIsScrolledWindow(sw));
-  EXPECT_GT(boxOf(graph).h, boxOf(sw).h);
   Widget vertical = nullptr;
   XtVaGetValues(sw, XmNverticalScrollBar, &vertical, nullptr);
   ASSERT_NE(nullptr, vertical);
   EXPECT_TRUE(XtIsManaged(vertical));
+  OvGraphBounds last{}, view{};
+  ASSERT_TRUE(OvGraphNodeBounds(graph, images.back(), &last));
+  int maximum = 0, value = -1;
+  XtVaGetValues(vertical, XmNmaximum, &maximum, XmNvalue, &value, nullptr);
+  EXPECT_GT(maximum, boxOf(graph).h);
+  EXPECT_EQ(0, value);
+  EXPECT_LT(boxOf(images.back()).bottom(), 0);  // out of sight
+
+  OvGraphSelectNode(graph, images.back(), False);
+  OvGraphGetView(graph, &view);
+  XtVaGetValues(vertical, XmNvalue, &value, nullptr);
+  EXPECT_EQ(view.y, value);
+  Box shown = boxOf(images.back());
+  EXPECT_EQ(last.y - view.y, shown.y);
+  EXPECT_LE(shown.bottom(), boxOf(graph).h);
+  EXPECT_GE(shown.y, 0);
 }
 
 }  // namespace

@@ -142,6 +142,19 @@ TEST_F(SpecGraphTest, DeleteSelectsTheParentOrClearsEverything) {
   EXPECT_EQ(0, model().rootCount());
 }
 
+TEST_F(SpecGraphTest, AProductNameOfAMegabyteIsKeptWholeAndShownCut) {
+  // As the detail panel renames a node.
+  const std::string name(1 << 20, 'p');
+  SpecNode* product = model().getNode("my_product");
+  ASSERT_NE(nullptr, product);
+  product->setName(name);
+  UiTestApp::flush();  // drawn: the whole name would not fit one X request
+  EXPECT_EQ(name, product->name());
+  EXPECT_EQ(name, model().getProductName());
+  YrNode* shown = graph->graph().find(product->identity());
+  EXPECT_EQ(std::string(YrNode::kShownLabelBytes, 'p') + "...", shown->label());
+}
+
 TEST_F(SpecGraphTest, SavedSpecReopensToTheSameTree) {
   TempDir dir;
   click("my_product.sw");

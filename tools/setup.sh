@@ -20,6 +20,8 @@ packages=(
   xvfb xauth x11-utils xdotool imagemagick
   # judging what is installed: manual pages, the desktop entry
   groff-base man-db desktop-file-utils
+  # the interface benchmarks send their input events with XTest
+  libxtst-dev
 )
 
 missing=()

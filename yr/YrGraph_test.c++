@@ -86,4 +86,30 @@ TEST_F(YrGraphTest, SelectionIsSingleAndQuiet) {
   EXPECT_EQ(&data[0], graph->selectedUserData());
 }
 
+TEST_F(YrGraphTest, LabelsTooLongToDrawAreCutWithAMark) {
+  const std::size_t most = YrNode::kShownLabelBytes;
+  const std::string megabyte(1 << 20, 'a');
+  struct Case {
+    std::string label, shown;
+  } cases[] = {
+      {"Top", "Top"},
+      {std::string(most, 'b'), std::string(most, 'b')},
+      {megabyte, std::string(most, 'a') + "..."},
+      // A character of two bytes across the limit is left out whole.
+      {std::string(most - 1, 'c') + "\xc3\xa9\xc3\xa9", std::string(most - 1, 'c') + "..."},
+  };
+  for (const Case& c : cases) EXPECT_EQ(c.shown, YrNode::shownLabel(c.label)) << c.label.size();
+
+  // Drawn in a window: the whole text would not fit one X request.
+  YrNode* node = graph->addNode("1", "long", megabyte, nullptr, &data[0]);
+  UiTestApp::flush();
+  EXPECT_EQ(std::string(most, 'a') + "...", node->label());
+  node->setLabel(std::string(2 << 20, 'z'));
+  UiTestApp::flush();
+  EXPECT_EQ(std::string(most, 'z') + "...", node->label());
+  Dimension width = 0;
+  XtVaGetValues(node->baseWidget(), XmNwidth, &width, nullptr);
+  EXPECT_LT(width, 2000);
+}
+
 }  // namespace
