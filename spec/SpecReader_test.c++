@@ -1,5 +1,7 @@
 #include "spec/SpecReader.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -234,6 +236,19 @@ TEST_F(SpecReaderTest, ItemsAsStored) {
        inImage("subsys s id 2\\\"\\ Tape\\ Player exp a\\(b\\) endsubsys\n"),
        writtenImage("        subsys s\n            id 2\\\"\\ Tape\\ Player\n"
                     "            exp a\\(b\\)\n        endsubsys\n")},
+      {"parentheses inside words are text",
+       "product p id v1.0(beta) image i id (I) version 1(2)\n"
+       " subsys s id S exp p.i.(s) replaces a(b endsubsys endimage endproduct\n",
+       "product p\n    id v1.0(beta)\n    image i\n        id (I)\n        version 1(2)\n"
+       "        order 9999\n        subsys s\n            id S\n            replaces a(b\n"
+       "            exp p.i.(s)\n        endsubsys\n    endimage\nendproduct\n"},
+      {"the word after product, image, subsys and maint is a name",
+       "product default id P image patch id I version 1\n"
+       " subsys include id S endsubsys subsys ( id T endsubsys endimage endproduct\n"
+       "maint endmaint endmaint\n",
+       "product default\n    id P\n    image patch\n        id I\n        version 1\n"
+       "        order 9999\n        subsys include\n            id S\n        endsubsys\n"
+       "        subsys (\n            id T\n        endsubsys\n    endimage\nendproduct\n"},
       {"product without images", "product p id P endproduct\n",
        "product p\n    id P\nendproduct\n"},
   };
@@ -243,6 +258,85 @@ TEST_F(SpecReaderTest, ItemsAsStored) {
     EXPECT_TRUE(graph.lastReadReport().clean());
     EXPECT_EQ(c.expected, written(graph));
   }
+}
+
+// Every field, and every word of the format where a value may hold it, is
+// set through the model, saved, opened again and compared; the saved text
+// must also be what a second save writes.
+TEST_F(SpecReaderTest, EveryFieldAndKeywordRoundTrips) {
+  const char* const keywords[] = {
+      "product", "endproduct", "image",   "endimage", "subsys",   "endsubsys", "maint",
+      "endmaint", "default",   "required", "miniroot", "patch",   "id",        "version",
+      "order",   "exp",        "replaces", "incompat", "prereq",  "updates",   "follows",
+      "clientonly", "inplace", "include",  "setenv",   "(",       ")"};
+  SpecNode* product = graph.addRoot(graph.add("p"));
+  product->setId("\"Product (v1.0(beta)) it's\"");
+  int n = 0;
+  for (const char* k : keywords) {
+    // The keyword as a name at every level, and quoted in every text.
+    SpecNode* p = graph.addRoot(graph.add(k));
+    p->setId(std::string("\"") + k + "\"");
+    SpecNode* i = graph.addChild(p, graph.add(k));
+    i->setId(std::string("'") + k + " " + k + "'");
+    i->setVersion(std::string("\"") + k + "\"");
+    i->setOrder(-(++n));
+    SpecNode* s = graph.addChild(i, graph.add(k));
+    s->setId(std::string("\"a ") + k + "\"");
+    // A quoted stretch can only begin the words of an item.
+    s->setMapping(std::string("\"") + k + "\"\np.i." + k);
+  }
+  SpecNode* image = graph.addChild(product, graph.add("i"));
+  image->setVersion("1(2)");
+  image->setOrder(2147483647);
+  struct Subsys {
+    const char* name;
+    bool required, isDefault, miniroot, patch;
+    const char* rules;
+    const char* mapping;
+  } subsystems[] = {
+      {"none", false, false, false, false, "", ""},
+      {"all", true, true, true, true, "replaces self", "p.i.all"},
+      {"rules", false, true, false, false,
+       "replaces self\nreplaces p.i.x 0 oldvers\nincompat p.i.y 1 2\nupdates p.i.z\n"
+       "follows p.i.w 3 maxint\nprereq (\n    p.i.a 0 oldvers\n    p.i.b 1 2\n)",
+       "p.i.rules\np.i.(x)\np.i.x p.i.y"},
+      {"quoted", false, false, true, false, "replaces 'a b'", "\"a b\"\nc d"},
+  };
+  for (const Subsys& d : subsystems) {
+    SpecNode* s = graph.addChild(image, graph.add(d.name));
+    s->setRequired(d.required);
+    s->setDefault(d.isDefault);
+    s->setMiniroot(d.miniroot);
+    s->setPatch(d.patch);
+    s->setRules(d.rules);
+    s->setMapping(d.mapping);
+  }
+  std::string path = dir.file("all.spec");
+  ASSERT_TRUE(graph.save(path.c_str()));
+  std::string first = dir.read("all.spec");
+
+  SpecGraphModel again(&reporter);
+  ASSERT_TRUE(again.open(path));
+  EXPECT_TRUE(again.lastReadReport().clean()) << ::testing::PrintToString(logged());
+  std::vector<SpecNode*> a = graph.nodes(), b = again.nodes();
+  ASSERT_EQ(a.size(), b.size());
+  for (size_t i = 0; i < a.size(); ++i) {
+    SCOPED_TRACE(a[i]->getTag());
+    EXPECT_EQ(a[i]->getTag(), b[i]->getTag());
+    EXPECT_EQ(a[i]->id(), b[i]->id());
+    EXPECT_EQ(a[i]->version(), b[i]->version());
+    EXPECT_EQ(a[i]->order(), b[i]->order());
+    EXPECT_EQ(a[i]->required(), b[i]->required());
+    EXPECT_EQ(a[i]->isDefault(), b[i]->isDefault());
+    EXPECT_EQ(a[i]->miniroot(), b[i]->miniroot());
+    // A product's or image's patch flag is not written: a patch subsystem
+    // below marks them when read.
+    EXPECT_TRUE(a[i]->level() < 3 || a[i]->patch() == b[i]->patch());
+    EXPECT_EQ(a[i]->rules(), b[i]->rules());
+    EXPECT_EQ(a[i]->mapping(), b[i]->mapping());
+  }
+  ASSERT_TRUE(again.save(nullptr));
+  EXPECT_EQ(first, dir.read("all.spec"));
 }
 
 TEST_F(SpecReaderTest, PrereqCountRunsAcrossGroupsNotFiles) {
@@ -528,6 +622,66 @@ TEST_F(SpecReaderTest, OpenReadAndAppend) {
   ASSERT_TRUE(graph.open(""));
   EXPECT_EQ(9u, graph.nodes().size());
   EXPECT_EQ("", graph.specFileName());
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
+  const std::string text = "product p id P\nendimage\nproduct q id Q endproduct\n";
+  std::string bad = dir.write("bad.spec", text);
+  auto question = [](const std::string& path) {
+    return "'" + path + "' was read only in part: the message log says where reading stopped.\n"
+           "Saving over it keeps only what was read; the rest of the file would be lost.\n\n"
+           "Save anyway?";
+  };
+  ASSERT_TRUE(graph.open(bad));
+  EXPECT_FALSE(graph.changed());
+
+  // Save, answered no: nothing written.
+  reporter.clear();
+  reporter.answer(false);
+  EXPECT_FALSE(graph.save(nullptr));
+  EXPECT_EQ((std::vector<std::string>{question(bad)}), reporter.texts("question"));
+  EXPECT_EQ(text, dir.read("bad.spec"));
+
+  // Save as another name asks nothing; a link to the file is the file.
+  reporter.clear();
+  std::string other = dir.file("other.spec");
+  EXPECT_TRUE(graph.save(other.c_str()));
+  EXPECT_TRUE(reporter.texts("question").empty());
+  std::string link = dir.file("link.spec");
+  ASSERT_EQ(0, ::link(bad.c_str(), link.c_str()));
+  reporter.answer(false);
+  EXPECT_FALSE(graph.save(link.c_str()));
+  EXPECT_EQ((std::vector<std::string>{question(link)}), reporter.texts("question"));
+  EXPECT_EQ(text, dir.read("bad.spec"));
+
+  // Answered yes: saved, and from then on the file holds the hierarchy.
+  reporter.clear();
+  reporter.answer(true);
+  EXPECT_TRUE(graph.save(bad.c_str()));
+  EXPECT_EQ("product p\n    id P\nendproduct\n", dir.read("bad.spec"));
+  EXPECT_TRUE(graph.save(nullptr));
+  EXPECT_EQ(1u, reporter.texts("question").size());
+
+  // An appended file read in part is guarded too, the opened one is not.
+  std::string good = dir.write("good.spec", "product g id G endproduct\n");
+  bad = dir.write("bad.spec", text);
+  ASSERT_TRUE(graph.open(good));
+  ASSERT_TRUE(graph.read(bad));
+  EXPECT_EQ("Read " + bad + " up to line 2; the rest was skipped.", logged().back());
+  reporter.clear();
+  EXPECT_TRUE(graph.save(nullptr));
+  EXPECT_TRUE(reporter.texts("question").empty());
+  reporter.answer(false);
+  EXPECT_FALSE(graph.save(bad.c_str()));
+  EXPECT_EQ(1u, reporter.texts("question").size());
+
+  // Opening another file forgets the earlier reads.
+  ASSERT_TRUE(graph.open(good));
+  EXPECT_FALSE(graph.readInPart(bad));
 }
 
 }  // namespace
