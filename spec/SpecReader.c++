@@ -55,8 +55,10 @@ bool isFormatWord(const std::string& w) {
 
 // Writes a hierarchy holding value in field at level and reads it back.
 // Returns the value read back; *report says how the read went.
+// *joinsOther is set when another field read back differs: the value's
+// words went to another item of the file.
 std::string roundTrip(SpecField field, int level, const std::string& value,
-                      SpecReadReport* report) {
+                      SpecReadReport* report, bool* joinsOther) {
   SilentReporter silent;
   SpecGraphModel scratch(&silent);
   SpecNode* node = scratch.addRoot(scratch.add(level == 1 && field == SpecField::kName ? value : "p"));
@@ -87,14 +89,12 @@ std::string roundTrip(SpecField field, int level, const std::string& value,
     return std::string();
   }
   const SpecNode* got = nodes.back();
-  switch (field) {
-    case SpecField::kName: return got->name();
-    case SpecField::kId: return got->id();
-    case SpecField::kVersion: return got->version();
-    case SpecField::kRules: return got->rules();
-    case SpecField::kMapping: return got->mapping();
-  }
-  return std::string();
+  std::string fields[] = {got->name(), got->id(), got->version(), got->rules(), got->mapping()};
+  const std::string wanted[] = {node->name(), node->id(), node->version(), node->rules(),
+                                node->mapping()};
+  for (int f = 0; f < 5; ++f)
+    if (f != static_cast<int>(field) && fields[f] != wanted[f]) *joinsOther = true;
+  return fields[static_cast<int>(field)];
 }
 
 // Why a read of the written value failed, from its first error.
@@ -104,7 +104,7 @@ std::string readFailure(const SpecReadReport& r) {
     return "'" + at + "' would be read as a directive of the spec format; put it in double quotes";
   if (isFormatWord(at))
     return "'" + at + "' is a word of the spec format there; put it in double quotes";
-  if (at.find_first_of("()") != std::string::npos)
+  if (at.size() > 1 && at.find_first_of("()") != std::string::npos)
     return "reading it back stops at '" + shown(at) +
            "': a parenthesis of a prereq group must stand alone, with blanks around it";
   if (!r.firstError.empty())
@@ -160,9 +160,14 @@ SpecFieldCheck checkSpecField(SpecField field, int level, const std::string& val
   }
 
   SpecReadReport report;
-  std::string back = roundTrip(field, level, value, &report);
+  bool joinsOther = false;
+  std::string back = roundTrip(field, level, value, &report, &joinsOther);
   if (!report.clean()) {
     result.reason = readFailure(report);
+    return result;
+  }
+  if (joinsOther) {
+    result.reason = "reading it back, its words would join another item of the file";
     return result;
   }
   if (report.prereqCarry != 0) {
@@ -174,8 +179,8 @@ SpecFieldCheck checkSpecField(SpecField field, int level, const std::string& val
     // The same words laid out as the reader lays them out are the same
     // value; the layout must then be one that reads back as it is.
     SpecReadReport again;
-    if (wordsOf(back) != words || roundTrip(field, level, back, &again) != back ||
-        !again.clean()) {
+    if (wordsOf(back) != words || roundTrip(field, level, back, &again, &joinsOther) != back ||
+        !again.clean() || joinsOther) {
       result.reason = "it would read back as '" + shown(back) + "'";
       return result;
     }

@@ -685,3 +685,70 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SpecFieldCheckTest, ValuesThatCannotBeSavedAreRefusedWithTheReason) {
+  setenv("TAMBLIN_CHECK", "x", 1);
+  const std::string longWord(kSpecMaxToken + 1, 'w');
+  struct Case {
+    SpecField field;
+    int level;
+    std::string value;
+    bool ok;
+    std::string result;  // the value to store, or the reason
+  } cases[] = {
+      {SpecField::kName, 3, "default", true, "default"},
+      {SpecField::kName, 2, "include", true, "include"},
+      {SpecField::kName, 1, "(", true, "("},
+      {SpecField::kName, 1, "", false, "a name cannot be empty"},
+      {SpecField::kName, 2, "my image", false,
+       "a name is one word, without blanks, tabs or line breaks"},
+      {SpecField::kName, 3, "a\"b", false, "a name cannot hold quote characters"},
+      {SpecField::kName, 3, "$TAMBLIN_CHECK", false,
+       "reading the file would replace its environment references ($...) by their values"},
+      {SpecField::kName, 1, longWord, false,
+       "the word '" + longWord.substr(0, 60) +
+           "...' is longer than 1000 characters, the most a spec file holds"},
+      {SpecField::kId, 1, "v1.0(beta)", true, "v1.0(beta)"},
+      {SpecField::kId, 2, "\"My   Image\"", true, "\"My Image\""},
+      {SpecField::kId, 3, "a\tb", true, "a b"},
+      {SpecField::kId, 1, "default", false,
+       "'default' is a word of the spec format there; put it in double quotes"},
+      {SpecField::kId, 2, "include", false,
+       "'include' would be read as a directive of the spec format; put it in double quotes"},
+      {SpecField::kId, 3, "", false, "it is empty; write \"\" for an empty text"},
+      {SpecField::kId, 3, "a\\ \"b\"", false, "reading it back stops at '\"' (syntax error)"},
+      {SpecField::kVersion, 2, "1(2)", true, "1(2)"},
+      {SpecField::kVersion, 2, "1  2", true, "1 2"},
+      {SpecField::kVersion, 2, "patch", false,
+       "'patch' is a word of the spec format there; put it in double quotes"},
+      {SpecField::kRules, 3, "prereq ( a 0 oldvers )", true, "prereq (\n    a 0 oldvers\n)"},
+      {SpecField::kRules, 3, "replaces self\n\nincompat x 0 oldvers\n", true,
+       "replaces self\nincompat x 0 oldvers"},
+      {SpecField::kRules, 3, "", true, ""},
+      {SpecField::kRules, 3, "prereq (a 0 oldvers)", false,
+       "reading it back stops at '(a': a parenthesis of a prereq group must stand alone, with "
+       "blanks around it"},
+      {SpecField::kRules, 3, "prereq ( a 0 )", false,
+       "a prereq group lists triples: a subsystem, its lowest and its highest version"},
+      {SpecField::kRules, 3, "nonsense", false,
+       "reading it back, its words would join another item of the file"},
+      {SpecField::kRules, 3, "replaces self\n(", false,
+       "reading it back stops at '(' (syntax error)"},
+      {SpecField::kMapping, 3, "p.i.(s)", true, "p.i.(s)"},
+      {SpecField::kMapping, 3, "a\n\n  b c", true, "a\nb c"},
+      {SpecField::kMapping, 3, "a\n'b'", false, "reading it back stops at ''' (syntax error)"},
+      {SpecField::kMapping, 3, "a\nendsubsys", false,
+       "'endsubsys' is a word of the spec format there; put it in double quotes"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(specFieldLabel(c.field)) + " " + c.value);
+    SpecFieldCheck check = checkSpecField(c.field, c.level, c.value);
+    EXPECT_EQ(c.ok, check.ok);
+    EXPECT_EQ(c.result, c.ok ? check.value : check.reason);
+  }
+  unsetenv("TAMBLIN_CHECK");
+}
+
+}  // namespace
