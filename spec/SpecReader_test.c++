@@ -249,6 +249,7 @@ TEST_F(SpecReaderTest, ItemsAsStored) {
        "product default\n    id P\n    image patch\n        id I\n        version 1\n"
        "        order 9999\n        subsys include\n            id S\n        endsubsys\n"
        "        subsys (\n            id T\n        endsubsys\n    endimage\nendproduct\n"},
+      {"empty file, as written for no products", "", ""},
       {"product without images", "product p id P endproduct\n",
        "product p\n    id P\nendproduct\n"},
   };
