@@ -99,7 +99,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (nodes[level - 1].empty()) continue;
     SpecNode* node = nodes[level - 1][(which / 3) % nodes[level - 1].size()];
     if (op % 9 == 3) {
-      node->setOrder(static_cast<int>(in.byte() << 24 | in.byte() << 16 | in.byte()) - (1 << 23));
+      std::uint32_t bits = 0;
+      for (int i = 0; i < 4; ++i) bits = bits << 8 | in.byte();
+      node->setOrder(static_cast<std::int32_t>(bits));  // any order, negative ones too
       continue;
     }
     if (op % 9 == 4) {
