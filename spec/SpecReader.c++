@@ -109,7 +109,7 @@ std::string readFailure(const SpecReadReport& r) {
            "': a parenthesis of a prereq group must stand alone, with blanks around it";
   if (!r.firstError.empty())
     return "reading it back stops at '" + shown(at) + "' (" + r.firstError + ")";
-  return "reading it back does not give one " + std::string("node");
+  return "reading it back does not give the same hierarchy";
 }
 
 }  // namespace
