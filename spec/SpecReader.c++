@@ -64,8 +64,14 @@ std::string roundTrip(SpecField field, int level, const std::string& value,
   SpecNode* node = scratch.addRoot(scratch.add(level == 1 && field == SpecField::kName ? value : "p"));
   if (level >= 2)
     node = scratch.addChild(node, scratch.add(level == 2 && field == SpecField::kName ? value : "i"));
-  if (level >= 3)
+  if (level >= 3) {
     node = scratch.addChild(node, scratch.add(field == SpecField::kName ? value : "s"));
+    // The flags follow the name on its line: whatever they meet must end it.
+    node->setRequired(true);
+    node->setDefault(true);
+    node->setMiniroot(true);
+    node->setPatch(true);
+  }
   switch (field) {
     case SpecField::kName: break;
     case SpecField::kId: node->setId(value); break;
@@ -94,6 +100,9 @@ std::string roundTrip(SpecField field, int level, const std::string& value,
                                 node->mapping()};
   for (int f = 0; f < 5; ++f)
     if (f != static_cast<int>(field) && fields[f] != wanted[f]) *joinsOther = true;
+  if (got->required() != node->required() || got->isDefault() != node->isDefault() ||
+      got->miniroot() != node->miniroot())
+    *joinsOther = true;
   return fields[static_cast<int>(field)];
 }
 
@@ -146,6 +155,11 @@ SpecFieldCheck checkSpecField(SpecField field, int level, const std::string& val
     }
     if (value.find_first_of("\"'") != std::string::npos) {
       result.reason = "a name cannot hold quote characters";
+      return result;
+    }
+    // It would protect the blank that the writer puts after it.
+    if (value.back() == '\\') {
+      result.reason = "a name cannot end with a backslash";
       return result;
     }
   } else if ((field == SpecField::kId || field == SpecField::kVersion) && words.empty()) {

@@ -706,6 +706,8 @@ TEST(SpecFieldCheckTest, ValuesThatCannotBeSavedAreRefusedWithTheReason) {
       {SpecField::kName, 2, "my image", false,
        "a name is one word, without blanks, tabs or line breaks"},
       {SpecField::kName, 3, "a\"b", false, "a name cannot hold quote characters"},
+      {SpecField::kName, 3, "a\\", false, "a name cannot end with a backslash"},
+      {SpecField::kName, 3, "a\\b", true, "a\\b"},
       {SpecField::kName, 3, "$TAMBLIN_CHECK", false,
        "reading the file would replace its environment references ($...) by their values"},
       {SpecField::kName, 1, longWord, false,
