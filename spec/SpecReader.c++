@@ -157,11 +157,6 @@ SpecFieldCheck checkSpecField(SpecField field, int level, const std::string& val
       result.reason = "a name cannot hold quote characters";
       return result;
     }
-    // It would protect the blank that the writer puts after it.
-    if (value.back() == '\\') {
-      result.reason = "a name cannot end with a backslash";
-      return result;
-    }
   } else if ((field == SpecField::kId || field == SpecField::kVersion) && words.empty()) {
     result.reason = "it is empty; write \"\" for an empty text";
     return result;

@@ -242,6 +242,11 @@ TEST_F(SpecReaderTest, ItemsAsStored) {
        "product p\n    id v1.0(beta)\n    image i\n        id (I)\n        version 1(2)\n"
        "        order 9999\n        subsys s\n            id S\n            replaces a(b\n"
        "            exp p.i.(s)\n        endsubsys\n    endimage\nendproduct\n"},
+      {"a name ends at a blank, backslash or not",
+       "product p\\ id P image i id I version 1 subsys s\\ default endsubsys endimage endproduct\n",
+       "product p\\\n    id P\n    image i\n        id I\n        version 1\n        order 9999\n"
+       "        subsys s\\ default\n            id \"Description\"\n        endsubsys\n"
+       "    endimage\nendproduct\n"},
       {"the word after product, image, subsys and maint is a name",
        "product default id P image patch id I version 1\n"
        " subsys include id S endsubsys subsys ( id T endsubsys endimage endproduct\n"
@@ -706,7 +711,7 @@ TEST(SpecFieldCheckTest, ValuesThatCannotBeSavedAreRefusedWithTheReason) {
       {SpecField::kName, 2, "my image", false,
        "a name is one word, without blanks, tabs or line breaks"},
       {SpecField::kName, 3, "a\"b", false, "a name cannot hold quote characters"},
-      {SpecField::kName, 3, "a\\", false, "a name cannot end with a backslash"},
+      {SpecField::kName, 3, "a\\", true, "a\\"},
       {SpecField::kName, 3, "a\\b", true, "a\\b"},
       {SpecField::kName, 3, "$TAMBLIN_CHECK", false,
        "reading the file would replace its environment references ($...) by their values"},
