@@ -79,7 +79,8 @@ sed '/subsys extra/d' p.spec >clean.spec
 expect 0 "2 entries, 0 not found under $root, 0 tags not in the spec, 0 subsystems without files" "" \
   "$cli" check clean.idb --spec clean.spec --sbase tree
 printf 'product p id P\n  image i id I version 1\n  endimage\n  endimage\nendproduct\n' >bad.spec
-expect 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
+expect 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')
+Read bad.spec up to line 4; the rest was skipped." \
   "$cli" check clean.idb --sbase tree --spec bad.spec
 expect 2 "" "Unable to access nope.spec (No such file or directory)." \
   "$cli" check clean.idb --sbase tree --spec nope.spec

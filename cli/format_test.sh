@@ -45,12 +45,14 @@ expect "to a file, silently" 0 "" "" -- sub/p.spec -o out.spec
 [[ "$(cat out.spec)" == "$good" ]] || { echo "FAIL out.spec content"; failures=$((failures + 1)); }
 
 printf 'product p id P\n  image i id I version 1\n  endimage\n  endimage\nendproduct\n' > bad.spec
-expect "syntax error" 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')" \
+expect "syntax error" 1 "" "Error reading bad.spec, line 4:  syntax error (at 'endimage')
+Read bad.spec up to line 4; the rest was skipped." \
   -- bad.spec -o never.spec
 [[ ! -e never.spec ]] || { echo "FAIL never.spec was written"; failures=$((failures + 1)); }
 expect "missing file" 2 "" "Unable to access nope.spec (No such file or directory)." -- nope.spec
 printf 'include gone.spec\nproduct p id P endproduct\n' > inc.spec
-expect "missing include" 2 "" "Unable to access gone.spec (No such file or directory)." -- inc.spec
+expect "missing include" 2 "" "Unable to access gone.spec (No such file or directory).
+Read inc.spec without the includes that failed." -- inc.spec
 expect "not a regular file" 2 "" "'sub' is not a regular file.
 Try again." -- sub
 usage="usage: tamblin-cli format SPEC [-o OUT] [-v]"

@@ -2,7 +2,13 @@
 // input is an idb text, a NUL, then operations (one byte each, some followed
 // by an argument byte).  After every operation the list must show one line
 // per record and the selection must name existing records only.
+#include <dirent.h>
+#include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 
 #include <cstdint>
 #include <cstdio>
@@ -33,19 +39,44 @@ class QuietReporter : public Reporter {
   void bell() override {}
 };
 
-// A scratch file for the idb text, made once per process and removed with it.
-char scratchDir[] = "/tmp/filelist-fuzz-XXXXXX";
+// A scratch file for the idb text, in a directory named after the process:
+// removed when the run ends normally, and by the next run when a timeout or
+// a crash ended it at once.
+const char kPrefix[] = "filelist-fuzz-";
+std::string scratchDir;
 
-void removeScratch() {
-  unlink((std::string(scratchDir) + "/in.idb").c_str());
-  rmdir(scratchDir);
+std::string tempRoot() {
+  const char* t = std::getenv("TMPDIR");
+  return t && *t ? t : "/tmp";
+}
+
+void removeScratch(const std::string& dir) {
+  unlink((dir + "/in.idb").c_str());
+  rmdir(dir.c_str());
+}
+
+void removeOwnScratch() { removeScratch(scratchDir); }
+
+void removeStaleScratch() {
+  std::string root = tempRoot();
+  DIR* d = opendir(root.c_str());
+  if (!d) return;
+  while (dirent* e = readdir(d)) {
+    if (std::strncmp(e->d_name, kPrefix, sizeof kPrefix - 1) != 0) continue;
+    long pid = std::strtol(e->d_name + sizeof kPrefix - 1, nullptr, 10);
+    if (pid > 0 && kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH)
+      removeScratch(root + "/" + e->d_name);
+  }
+  closedir(d);
 }
 
 const std::string& scratchFile() {
   static const std::string path = [] {
-    if (!mkdtemp(scratchDir)) std::abort();
-    std::atexit(removeScratch);
-    return std::string(scratchDir) + "/in.idb";
+    removeStaleScratch();
+    scratchDir = tempRoot() + "/" + kPrefix + std::to_string(getpid());
+    if (mkdir(scratchDir.c_str(), 0700) != 0 && errno != EEXIST) std::abort();
+    std::atexit(removeOwnScratch);
+    return scratchDir + "/in.idb";
   }();
   return path;
 }

@@ -15,6 +15,7 @@
 #include "idb/StringSet.h"
 #include "spec/SpecGraph.h"
 #include "spec/SpecNode.h"
+#include "spec/SpecReader.h"
 #include "util/Reporter.h"
 
 const char* const SpecDetail::kUnquotedBlank =
@@ -225,45 +226,83 @@ void SpecDetail::applyArrowButton(Widget, XtPointer) {
   if (assigned) _specGraph->model().setChanged(true);
 }
 
+// Reads each field's text and checks that it would read back from a spec
+// file as it is; posts the first refusal.  On success *values hold what to
+// store, which the fields then show.
+bool SpecDetail::writableFields(std::initializer_list<std::pair<SpecField, Widget>> fields,
+                                std::vector<std::string>* values) {
+  int level = _specGraph->model().getLevel(_current);
+  for (const auto& f : fields) {
+    std::string text = fieldText(f.second);
+    SpecFieldCheck check = checkSpecField(f.first, level, text);
+    if (!check.ok) {
+      std::string shown = text.size() > 60 ? text.substr(0, 60) + "..." : text;
+      _reporter.error(std::string("The ") + specFieldLabel(f.first) + " '" + shown +
+                      "' cannot be saved in a spec file:\n" + check.reason +
+                      ".\n\nChange it and Assign again.");
+      return false;
+    }
+    values->push_back(check.value);
+  }
+  auto value = values->begin();
+  for (const auto& f : fields) {
+    if (fieldText(f.second) != *value) setText(f.second, *value);
+    ++value;
+  }
+  return true;
+}
+
 bool SpecDetail::assignSubsystem() {
-  std::string id = fieldText(_subsysIdTextField);
-  if (!okDescription(id)) return false;
-  _current->setId(id);
-  std::string name = fieldText(_subsysNameTextField);
-  fixMapping(_current, 3, name);
-  renamed(name);
+  if (!okDescription(fieldText(_subsysIdTextField))) return false;
+  std::vector<std::string> v;
+  if (!writableFields({{SpecField::kId, _subsysIdTextField},
+                       {SpecField::kName, _subsysNameTextField},
+                       {SpecField::kMapping, _mappingText},
+                       {SpecField::kRules, _rulesText}},
+                      &v))
+    return false;
+  _current->setId(v[0]);
+  fixMapping(_current, 3, v[1]);
+  renamed(v[1]);
   _current->setDefault(toggleState(_defaultToggleButton));
   if (_showRequiredToggleButton) _current->setRequired(toggleState(_requiredToggleButton));
   _current->setMiniroot(toggleState(_minirootToggleButton));
   _current->setPatch(toggleState(_patchToggleButton));
   _current->setMapping(fieldText(_mappingText));
-  _current->setRules(fieldText(_rulesText));
+  _current->setRules(v[3]);
   return true;
 }
 
 bool SpecDetail::assignImage() {
-  std::string id = fieldText(_imageIdTextField);
-  if (!okDescription(id)) return false;
-  _current->setId(id);
-  std::string name = fieldText(_imageNameTextField);
-  for (int i = 0; i < _current->childCount(); ++i) fixMapping(_current->child(i), 2, name);
-  renamed(name);
-  _current->setVersion(fieldText(_versionTextField));
+  if (!okDescription(fieldText(_imageIdTextField))) return false;
+  std::vector<std::string> v;
+  if (!writableFields({{SpecField::kId, _imageIdTextField},
+                       {SpecField::kName, _imageNameTextField},
+                       {SpecField::kVersion, _versionTextField}},
+                      &v))
+    return false;
+  _current->setId(v[0]);
+  for (int i = 0; i < _current->childCount(); ++i) fixMapping(_current->child(i), 2, v[1]);
+  renamed(v[1]);
+  _current->setVersion(v[2]);
   _current->setOrder(std::atoi(fieldText(_orderTextField).c_str()));
   refreshOrderList();
   return true;
 }
 
 bool SpecDetail::assignProduct() {
-  std::string id = fieldText(_productIdTextField);
-  if (!okDescription(id)) return false;
-  _current->setId(id);
-  std::string name = fieldText(_productNameTextField);
+  if (!okDescription(fieldText(_productIdTextField))) return false;
+  std::vector<std::string> v;
+  if (!writableFields({{SpecField::kId, _productIdTextField},
+                       {SpecField::kName, _productNameTextField}},
+                      &v))
+    return false;
+  _current->setId(v[0]);
   for (int i = 0; i < _current->childCount(); ++i) {
     SpecNode* image = _current->child(i);
-    for (int j = 0; j < image->childCount(); ++j) fixMapping(image->child(j), 1, name);
+    for (int j = 0; j < image->childCount(); ++j) fixMapping(image->child(j), 1, v[1]);
   }
-  renamed(name);
+  renamed(v[1]);
   return true;
 }
 

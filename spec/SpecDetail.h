@@ -9,7 +9,9 @@
 #ifndef TAMBLIN_SPEC_SPECDETAIL_H
 #define TAMBLIN_SPEC_SPECDETAIL_H
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/ui/SpecDetailUI.h"
@@ -19,6 +21,7 @@ class FileListTags;
 class Reporter;
 class SpecGraph;
 class SpecNode;
+enum class SpecField;
 
 class SpecDetail : public SpecDetailUI {
  public:
@@ -62,7 +65,9 @@ class SpecDetail : public SpecDetailUI {
  private:
   void showForm(Widget form);
   void fillSubsystem();
-  // Each returns false when the description was refused (nothing changed).
+  bool writableFields(std::initializer_list<std::pair<SpecField, Widget>> fields,
+                      std::vector<std::string>* values);
+  // Each returns false when a value was refused (nothing changed).
   bool assignSubsystem();
   bool assignImage();
   bool assignProduct();

@@ -191,6 +191,70 @@ TEST_F(SpecDetailTest, RefusedAssignChangesNothing) {
   EXPECT_STREQ("noneForm", XtName(detail->shownForm()));
 }
 
+TEST_F(SpecDetailTest, AssignRefusesValuesThatWouldNotReadBack) {
+  struct Case {
+    const char* node;
+    const char* field;
+    const char* value;
+    const char* error;  // null: accepted
+  } cases[] = {
+      {"my_product.sw.base", "subsysIdTextField", "default",
+       "The Description 'default' cannot be saved in a spec file:\n'default' is a word of the "
+       "spec format there; put it in double quotes.\n\nChange it and Assign again."},
+      {"my_product.sw", "versionTextField", "patch",
+       "The Version 'patch' cannot be saved in a spec file:\n'patch' is a word of the spec format "
+       "there; put it in double quotes.\n\nChange it and Assign again."},
+      {"my_product", "productNameTextField", "my\tproduct",
+       "The Name 'my\tproduct' cannot be saved in a spec file:\na name is one word, without "
+       "blanks, tabs or line breaks.\n\nChange it and Assign again."},
+      {"my_product.sw.base", "rulesText", "prereq (a 0 oldvers)",
+       "The Rules 'prereq (a 0 oldvers)' cannot be saved in a spec file:\nreading it back stops "
+       "at '(a': a parenthesis of a prereq group must stand alone, with blanks around it.\n\n"
+       "Change it and Assign again."},
+      {"my_product.sw", "versionTextField", "1(2)", nullptr},
+      {"my_product.sw.base", "subsysIdTextField", "v1.0(beta)", nullptr},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.field) + " " + c.value);
+    model().setChanged(false);
+    reporter.clear();
+    click(c.node);
+    SpecNode* node = model().getNode(c.node);
+    ASSERT_NE(nullptr, node);
+    std::string id = node->id(), version = node->version(), rules = node->rules();
+    type(c.field, c.value);
+    // A rename in the same Assign must wait for the other fields too.
+    if (node->level() == 3) type("subsysNameTextField", "renamed");
+    assign();
+    if (c.error) {
+      EXPECT_EQ(std::vector<std::string>{c.error}, reporter.texts("error"));
+      EXPECT_EQ(node, model().getNode(c.node));
+      EXPECT_EQ(id, node->id());
+      EXPECT_EQ(version, node->version());
+      EXPECT_EQ(rules, node->rules());
+      EXPECT_FALSE(model().changed());
+    } else {
+      EXPECT_TRUE(reporter.texts("error").empty());
+      EXPECT_TRUE(model().changed());
+      EXPECT_EQ(c.value, node->level() == 2 ? node->version() : node->id());
+    }
+  }
+}
+
+TEST_F(SpecDetailTest, AssignStoresValuesAsTheyReadBack) {
+  click("my_product.sw.base");
+  type("rulesText", "replaces self\n\nprereq ( my_product.sw.x 0 oldvers )\n");
+  type("mappingText", "my_product.sw.base\n\n   other.tag  ");
+  assign();
+  EXPECT_TRUE(reporter.texts("error").empty());
+  SpecNode* base = model().getNode("my_product.sw.base");
+  const char* rules = "replaces self\nprereq (\n    my_product.sw.x 0 oldvers\n)";
+  EXPECT_EQ(rules, base->rules());
+  EXPECT_EQ(rules, text("rulesText"));
+  EXPECT_EQ("my_product.sw.base\nother.tag", base->mapping());
+  EXPECT_EQ("my_product.sw.base\nother.tag", text("mappingText"));
+}
+
 TEST_F(SpecDetailTest, OrderListSelectsTheImage) {
   click("my_product.man");
   Widget list = find("orderList");

@@ -513,6 +513,7 @@ bool SpecGraphModel::open(const std::string& path) {
   if (!checkRegularFile(path)) return false;
   Busy busy(_observer);
   removeAll();
+  _partReads.clear();
   bool ok = append(path);
   if (ok) setSpecFileName(path);
   _changed = false;
@@ -537,7 +538,47 @@ bool SpecGraphModel::append(const std::string& path) {
   bool ok = readSpecFile(*this, *_reporter, path, &_lastRead);
   relayout();
   if (_observer) _observer->tagsChanged();
+  if (ok && _lastRead.incomplete()) noteReadInPart(path);
   return ok;
+}
+
+// Says how much of the file the hierarchy holds, and remembers the file so
+// that a save over it asks first.
+void SpecGraphModel::noteReadInPart(const std::string& path) {
+  const SpecReadReport& r = _lastRead;
+  if (r.syntaxLine > 0) {
+    _reporter->logMessage(format("Read %s up to line %s; the rest was skipped.",
+                                 {path, std::to_string(r.syntaxLine)}));
+  } else {
+    std::string skipped;
+    if (r.errors > 0) skipped = "the text in error";
+    if (r.includeFailures > 0)
+      skipped += std::string(skipped.empty() ? "" : " and ") + "the includes that failed";
+    _reporter->logMessage(format("Read %s without %s.", {path, skipped}));
+  }
+  _reporter->showMessages();
+  PartRead part;
+  part.path = path;
+  struct stat st;
+  if (::stat(path.c_str(), &st) == 0) {
+    part.dev = st.st_dev;
+    part.ino = st.st_ino;
+  }
+  _partReads.push_back(part);
+}
+
+bool SpecGraphModel::readInPart(const std::string& path) const {
+  for (const PartRead& part : _partReads)
+    if (isFile(part, path)) return true;
+  return false;
+}
+
+// By name, or by device and inode (another name, a link to it).
+bool SpecGraphModel::isFile(const PartRead& part, const std::string& path) {
+  if (part.path == path) return true;
+  struct stat st;
+  return part.ino != 0 && ::stat(path.c_str(), &st) == 0 && part.dev == st.st_dev &&
+         part.ino == st.st_ino;
 }
 
 std::string SpecGraphModel::chooseSaveName() {
@@ -561,6 +602,13 @@ bool SpecGraphModel::save(const char* path) {
     return false;
   }
   if (!checkRegularFile(name)) return false;
+  if (readInPart(name) &&
+      !_reporter->question(format(
+          "'%s' was read only in part: the message log says where reading stopped.\n"
+          "Saving over it keeps only what was read; the rest of the file would be lost.\n\n"
+          "Save anyway?",
+          {name})))
+    return false;
 
   Busy busy(_observer);
   AtomicFile file(name);
@@ -587,6 +635,9 @@ bool SpecGraphModel::save(const char* path) {
     return false;
   }
   _changed = false;
+  // The file now holds the hierarchy: nothing of it is left to lose.
+  for (auto it = _partReads.begin(); it != _partReads.end();)
+    it = isFile(*it, name) ? _partReads.erase(it) : it + 1;
   setSpecFileName(name);
   _reporter->logMessage(format("Saved spec '%s'.", {name}));
   return true;

@@ -57,7 +57,18 @@ struct SpecReadReport {
   bool entered = false;     // the outermost file could be read at all
   int errors = 0;           // syntax and lexical errors reported
   int includeFailures = 0;  // includes that could not be entered
-  bool clean() const { return entered && errors == 0 && includeFailures == 0; }
+  int includeCycles = 0;    // includes not followed because they close a cycle
+  int syntaxLine = 0;       // line of the outermost file where a syntax error ended the read
+  std::string firstError;   // the first error's message ("syntax error") ...
+  std::string firstErrorAt; // ... and the text of the token it was met at
+  int prereqCarry = 0;      // prereq words of an unfinished triple at the end
+  bool clean() const {
+    return entered && errors == 0 && includeFailures == 0 && includeCycles == 0;
+  }
+  /// Whether some text of the files was not taken into the hierarchy, so
+  /// that saving over the file would lose it.  (A cycle loses nothing: the
+  /// file it would enter again has been read.)
+  bool incomplete() const { return entered && (errors > 0 || includeFailures > 0); }
 };
 
 class SpecGraphModel {
@@ -168,9 +179,13 @@ class SpecGraphModel {
   /// Parses path into the hierarchy; "" builds the default hierarchy.
   bool append(const std::string& path);
   /// Writes the spec file: to path, or to the stored name when path is
-  /// null, asking for a name when there is none.
+  /// null, asking for a name when there is none.  A file that was opened or
+  /// appended only in part (its read met errors) is saved over only after
+  /// the user agreed to lose the rest of it.
   bool save(const char* path);
   const SpecReadReport& lastReadReport() const { return _lastRead; }
+  /// Whether path is a file that was read only in part into the hierarchy.
+  bool readInPart(const std::string& path) const;
 
  private:
   friend class SpecNode;
@@ -183,6 +198,15 @@ class SpecGraphModel {
   std::unique_ptr<SpecNode> makeNode(const SpecNode* parent, const std::string& name,
                                      const char* id);
   std::string chooseSaveName();
+  void noteReadInPart(const std::string& path);
+
+  // A file read only in part: its name and, to know it under any name, its
+  // device and inode at the time.
+  struct PartRead {
+    std::string path;
+    unsigned long long dev = 0, ino = 0;
+  };
+  static bool isFile(const PartRead& part, const std::string& path);
 
   Reporter* _reporter;
   SpecGraphObserver* _observer = nullptr;
@@ -195,6 +219,7 @@ class SpecGraphModel {
   bool _changed = false;
   std::string _specFileName;
   SpecReadReport _lastRead;
+  std::vector<PartRead> _partReads;
 
   // Tag -> first node in traversal order with that tag, and identity ->
   // node.  Built by the first lookup (reading a file needs none); once built,

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -58,16 +59,37 @@ TEST(EnvsubTest, Substitution) {
   unsetenv("TAMBLIN_LOOP");
 }
 
-TEST(EnvsubTest, RunawayGrowthStops) {
-  std::string value;
-  for (int i = 0; i < 50; ++i) value += "$TAMBLIN_GROW";
-  setenv("TAMBLIN_GROW", value.c_str(), 1);
-  std::string text = "$TAMBLIN_GROW";
-  envsub(text);
-  // 50^20 characters are not built; the text stops a little past a megabyte.
-  EXPECT_GT(text.size(), 1000000u);
-  EXPECT_LT(text.size(), 3000000u);
-  unsetenv("TAMBLIN_GROW");
+TEST(EnvsubTest, BoundedByTokenLengthAndBudget) {
+  setenv("TAMBLIN_DOUBLE", "$TAMBLIN_DOUBLE$TAMBLIN_DOUBLE", 1);
+  setenv("TAMBLIN_HALF", std::string(kSpecMaxToken / 2, 'h').c_str(), 1);
+  struct Case {
+    std::string in;
+    std::size_t budget;
+    EnvsubResult result;
+    std::size_t used;  // of the budget
+  } cases[] = {
+      // A value that doubles itself would take 2^20 times its size.
+      {"$TAMBLIN_DOUBLE", 1u << 20, EnvsubResult::kTooLong, 0},
+      // The pass that met references, and the one that found none left.
+      {"$TAMBLIN_HALF$TAMBLIN_HALF", 1u << 20, EnvsubResult::kDone, 2 * kSpecMaxToken},
+      {"$TAMBLIN_HALF$TAMBLIN_HALF$TAMBLIN_HALF", 1u << 20, EnvsubResult::kTooLong, 0},
+      {"$TAMBLIN_HALF", 100, EnvsubResult::kOutOfBudget, 100},
+      {"no reference", 100, EnvsubResult::kDone, 12},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.in);
+    std::string text = c.in;
+    std::size_t budget = c.budget;
+    EXPECT_EQ(c.result, envsub(text, &budget));
+    if (c.result != EnvsubResult::kDone) {
+      EXPECT_EQ(c.in, text);  // left as it was
+    }
+    if (c.result != EnvsubResult::kTooLong) {
+      EXPECT_EQ(c.used, c.budget - budget);
+    }
+  }
+  unsetenv("TAMBLIN_DOUBLE");
+  unsetenv("TAMBLIN_HALF");
 }
 
 TEST(BuildStringTest, Joins) {
@@ -105,7 +127,8 @@ TEST(SpecTablesTest, Names) {
                {22, "imageorder :"},
                {45, "prereq : WORD"},
                {54, "words : SINGLEQUOTE SINGLEQUOTE"},
-               {55, "-no such reduction-"},
+               {55, "spec :"},
+               {56, "-no such reduction-"},
                {-1, "-no such reduction-"}};
   for (const Rule& r : rules) EXPECT_STREQ(r.text, specRuleText(r.number)) << r.number;
 }
@@ -139,6 +162,11 @@ TEST_F(SpecLexerFileTest, OverlongTokenEndsTheProgram) {
     EXPECT_EXIT(
         {
           dup2(2, 1);
+          // The process that exits may have made its own scratch directory
+          // (a death test may run the test from its start); it goes too.
+          static std::string scratch;
+          scratch = dir.path();
+          std::atexit([] { std::filesystem::remove_all(scratch); });
           SpecGraphModel graph(&reporter);
           graph.open(path);
         },
@@ -186,9 +214,119 @@ TEST_F(SpecLexerFileTest, ReadStateDoesNotLeakBetweenReads) {
   reporter.clear();
   graph.open(clean);
   EXPECT_EQ((std::vector<std::string>{"Error reading " + clean +
-                                      ", line 2:  syntax error (at 'endproduct')"}),
+                                      ", line 2:  syntax error (at 'endproduct')",
+                                      "Read " + clean + " up to line 2; the rest was skipped."}),
             reporter.texts("log"));
   EXPECT_EQ("r", graph.getProductName());
+}
+
+}  // namespace
+
+namespace {
+
+// Runs with lowered read limits and puts the usual ones back.
+class SpecReadLimitsTest : public SpecLexerFileTest {
+ protected:
+  SpecReadLimits saved = specReadLimits();
+  ~SpecReadLimitsTest() override { specReadLimits() = saved; }
+  std::vector<std::string> logged() const { return reporter.texts("log"); }
+};
+
+TEST_F(SpecReadLimitsTest, SubstitutionHasABudgetPerRead) {
+  specReadLimits().maxExpansion = 10000;
+  // Each reference costs two passes of 400 characters: twelve fit.
+  std::string text = "setenv TAMBLIN_V=" + std::string(400, 'v') + "\nproduct p id P image i id I version 1\n";
+  for (int i = 0; i < 20; ++i)
+    text += "subsys s" + std::to_string(i) + " id $TAMBLIN_V endsubsys\n";
+  text += "endimage endproduct\n";
+  std::string path = dir.write("budget.spec", text);
+  SpecGraphModel graph(&reporter);
+  ASSERT_TRUE(graph.open(path));
+  EXPECT_EQ((std::vector<std::string>{
+                "Error reading " + path + ", line 15:  environment substitution stopped after "
+                "10000 characters; later references stay as written (at '$TAMBLIN_V')",
+                "Read " + path + " without the text in error."}),
+            logged());
+  EXPECT_EQ(std::string(400, 'v'), graph.getNode("p.i.s11")->id());
+  EXPECT_EQ("$TAMBLIN_V", graph.getNode("p.i.s12")->id());
+  EXPECT_EQ("$TAMBLIN_V", graph.getNode("p.i.s19")->id());
+  unsetenv("TAMBLIN_V");
+}
+
+TEST_F(SpecReadLimitsTest, SelfDoublingValuesStayAsWritten) {
+  // As found: a value that doubles itself, used thirty times, took minutes
+  // and gigabytes; each use now stops at the longest word.
+  std::string text = "setenv TAMBLIN_D=$TAMBLIN_D$TAMBLIN_D\nproduct p id P image i id I version 1\n";
+  for (int i = 0; i < 30; ++i)
+    text += "subsys s" + std::to_string(i) + " id $TAMBLIN_D endsubsys\n";
+  text += "endimage endproduct\n";
+  std::string path = dir.write("double.spec", text);
+  SpecGraphModel graph(&reporter);
+  ASSERT_TRUE(graph.open(path));
+  EXPECT_EQ(30, graph.lastReadReport().errors);
+  ASSERT_EQ(31u, logged().size());
+  EXPECT_EQ("Error reading " + path + ", line 3:  environment substitution gives more than 1000 "
+            "characters (at '$TAMBLIN_D')",
+            logged()[0]);
+  EXPECT_EQ("$TAMBLIN_D", graph.getNode("p.i.s29")->id());
+  unsetenv("TAMBLIN_D");
+}
+
+TEST_F(SpecReadLimitsTest, MessagesPerReadAreCapped) {
+  // A binary file is mostly bad characters: a few are shown, the rest
+  // counted in one line.
+  std::string junk(200000, '\x01');
+  std::string path = dir.write("junk.spec", "product p id P\n" + junk + "\nendproduct\n");
+  SpecGraphModel graph(&reporter);
+  ASSERT_TRUE(graph.open(path));
+  EXPECT_EQ(200000, graph.lastReadReport().errors);
+  std::vector<std::string> log = logged();
+  ASSERT_EQ(102u, log.size());
+  EXPECT_EQ("Error reading " + path + ", line 2:  bad character '\x01'\n (at '\x01')", log[99]);
+  EXPECT_EQ("199900 more messages about " + path + " were suppressed.", log[100]);
+  EXPECT_EQ("Read " + path + " without the text in error.", log[101]);
+  EXPECT_EQ(100u, reporter.texts("show").size() - 1);
+  EXPECT_EQ("product p\n    id P\nendproduct\n", [&] {
+    char* buf = nullptr;
+    size_t len = 0;
+    std::FILE* fp = open_memstream(&buf, &len);
+    graph.writeAll(fp);
+    std::fclose(fp);
+    std::string s(buf, len);
+    std::free(buf);
+    return s;
+  }());
+}
+
+TEST_F(SpecReadLimitsTest, FilesAndBytesPerRead) {
+  dir.write("small.spec", "\n");
+  dir.write("big.spec", std::string(300, '\n'));
+  struct Case {
+    const char* name;
+    int maxFiles;
+    std::size_t maxBytes;
+    std::string text;
+    std::string message;
+  } cases[] = {
+      {"too many files", 3, 1u << 20,
+       "include small.spec\ninclude small.spec\ninclude small.spec\n",
+       "Include of 'small.spec' refused: this read has entered 3 files already."},
+      {"too many bytes", 100, 200, "include small.spec\ninclude big.spec\n",
+       "Couldn't open include 'big.spec' (File too large)."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    reporter.clear();
+    specReadLimits().maxFiles = c.maxFiles;
+    specReadLimits().maxBytes = c.maxBytes;
+    std::string path = dir.write("main.spec", c.text + "product p id P endproduct\n");
+    SpecGraphModel graph(&reporter);
+    ASSERT_TRUE(graph.open(path));
+    EXPECT_EQ((std::vector<std::string>{c.message,
+                                        "Read " + path + " without the includes that failed."}),
+              logged());
+    EXPECT_EQ("p", graph.getProductName());
+  }
 }
 
 }  // namespace

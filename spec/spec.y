@@ -3,6 +3,7 @@
    tokens. */
 %define api.prefix {spec}
 %define parse.error simple
+%locations
 
 %code requires {
 #include <cstdlib>
@@ -52,6 +53,15 @@ char* quoted(const char* quote, char* inner) {
   std::string s = std::string(quote) + (inner ? inner : "") + quote;
   std::free(inner);
   return strdup(s.c_str());
+}
+
+// Words of one item joined across lines keep the line break; only an exp
+// item keeps lines (a mapping has one expression per line), the others read
+// as one line.
+char* oneLine(char* text) {
+  for (char* p = text; *p; ++p)
+    if (*p == '\n') *p = ' ';
+  return text;
 }
 
 void clearCollected() {
@@ -138,7 +148,7 @@ productname : WORD
             }
             ;
 
-productid : ID words { R(10); store(currentProduct, &SpecNode::setId, $2); } ;
+productid : ID words { R(10); store(currentProduct, &SpecNode::setId, oneLine($2)); } ;
 
 productversion : VERSION WORD { R(11); std::free($2); } ;
 
@@ -164,9 +174,9 @@ imagehead : imageid imageversion imageorder { R(17); }
           | imageorder imageid imageversion { R(19); }
           ;
 
-imageid : ID words { R(20); store(currentImage, &SpecNode::setId, $2); } ;
+imageid : ID words { R(20); store(currentImage, &SpecNode::setId, oneLine($2)); } ;
 
-imageversion : VERSION words { R(21); store(currentImage, &SpecNode::setVersion, $2); } ;
+imageversion : VERSION words { R(21); store(currentImage, &SpecNode::setVersion, oneLine($2)); } ;
 
 imageorder : %empty { R(22); }
            | ORDER words
@@ -218,7 +228,7 @@ subsysitem : DEFAULT { R(30); currentSubsys->setDefault(true); }
                currentImage->setPatch(true);
                currentProduct->setPatch(true);
              }
-           | ID words { R(34); store(currentSubsys, &SpecNode::setId, $2); }
+           | ID words { R(34); store(currentSubsys, &SpecNode::setId, oneLine($2)); }
            | EXP words
              {
                R(35);
@@ -227,15 +237,18 @@ subsysitem : DEFAULT { R(30); currentSubsys->setDefault(true); }
                std::free(mapping);
                mapping = joined;
              }
-           | REPLACES words { R(36); addRule("replaces", $2); }
-           | FOLLOWS words { R(37); addRule("follows", $2); }
-           | INCOMPAT words { R(38); addRule("incompat", $2); }
-           | UPDATES words { R(39); addRule("updates", $2); }
+           | REPLACES words { R(36); addRule("replaces", oneLine($2)); }
+           | FOLLOWS words { R(37); addRule("follows", oneLine($2)); }
+           | INCOMPAT words { R(38); addRule("incompat", oneLine($2)); }
+           | UPDATES words { R(39); addRule("updates", oneLine($2)); }
            | PREREQ '(' prereqs ')'
              {
                R(40);
                char* open = BuildString("prereq (\n", " ", $3);
-               char* group = BuildString(open, "", ")");
+               // The closing parenthesis stands alone, also after a group
+               // that is not whole triples, so that it reads back as one.
+               std::size_t n = std::strlen(open);
+               char* group = BuildString(open, "", n && open[n - 1] == '\n' ? ")" : "\n)");
                std::free(open);
                std::free($3);
                char* joined = BuildString(rules, "\n", group);
@@ -286,7 +299,7 @@ words : WORD { R(49); $$ = $1; }
       | words WORD
         {
           R(50);
-          $$ = BuildString($1, " ", $2);
+          $$ = BuildString($1, @2.first_line != @1.last_line ? "\n" : " ", $2);
           std::free($1);
           std::free($2);
         }
@@ -295,6 +308,10 @@ words : WORD { R(49); $$ = $1; }
       | SINGLEQUOTE words SINGLEQUOTE { R(53); $$ = quoted("'", $2); }
       | SINGLEQUOTE SINGLEQUOTE { R(54); $$ = strdup("''"); }
       ;
+
+/* Numbered after the others so that theirs stay as they are: an empty file
+   (the writer's text for a hierarchy without products) reads cleanly. */
+spec : %empty { R(55); } ;
 
 %%
 
@@ -356,6 +373,7 @@ const char* const kRuleTexts[] = {
     "words : DOUBLEQUOTE DOUBLEQUOTE",
     "words : SINGLEQUOTE words SINGLEQUOTE",
     "words : SINGLEQUOTE SINGLEQUOTE",
+    "spec :",
 };
 
 const char* const kTokenNames[] = {
@@ -382,16 +400,11 @@ const char* specTokenName(int token) {
   return "-unknown-";
 }
 
-bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
-                  SpecReadReport* report) {
-  specLexerBegin(&reporter, path);
-  SpecReadReport result;
-  if (pushinput(path.c_str()) != 0) {
-    specLexerEnd();
-    if (report) *report = result;
-    return false;
-  }
-  result.entered = true;
+namespace {
+
+// Parses what specLexerBegin and the first push set up into graph.
+void parseInto(SpecGraphModel& graph, SpecReadReport* result) {
+  result->entered = true;
   lineno = 1;
   PrereqWordsSeen = 0;
   theSpecGraph = &graph;
@@ -403,9 +416,34 @@ bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& 
   clearCollected();
   theSpecGraph = nullptr;
   currentProduct = currentImage = currentSubsys = nullptr;
-  result.errors = specLexerErrors();
-  result.includeFailures = specLexerIncludeFailures();
+  result->prereqCarry = PrereqWordsSeen;
+  specLexerFillReport(result);
   specLexerEnd();
+}
+
+}  // namespace
+
+bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
+                  SpecReadReport* report) {
+  specLexerBegin(&reporter, path);
+  SpecReadReport result;
+  if (pushinput(path.c_str()) != 0) {
+    specLexerFillReport(&result);
+    result.includeFailures = 0;
+    specLexerEnd();
+    if (report) *report = result;
+    return false;
+  }
+  parseInto(graph, &result);
   if (report) *report = result;
   return true;
+}
+
+void readSpecText(SpecGraphModel& graph, Reporter& reporter, const std::string& name,
+                  const std::string& text, SpecReadReport* report) {
+  specLexerBegin(&reporter, name, false);
+  SpecReadReport result;
+  if (pushtext(name, text) == 0) parseInto(graph, &result);
+  else specLexerEnd();
+  if (report) *report = result;
 }
