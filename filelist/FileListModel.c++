@@ -541,17 +541,11 @@ std::string_view FileListModel::line(int position) const {
   return std::string_view(_lineText.data() + start, end - start);
 }
 
-void FileListModel::resizeSelection() {
-  _selected.resize(_idb->count(), 0);
-  _selectedCount = 0;
-  for (char s : _selected) _selectedCount += s != 0;
-}
+void FileListModel::resizeSelection() { _selected.resize(_idb->count()); }
 
 void FileListModel::selectOnly(const std::vector<char>& flags) {
-  _selected = flags;
-  _selected.resize(_idb->count(), 0);
-  _selectedCount = 0;
-  for (char s : _selected) _selectedCount += s != 0;
+  _selected.resize(_idb->count());
+  _selected.assign(flags);
   notifySelection();
 }
 
@@ -587,24 +581,49 @@ void FileListModel::setSelectedPositions(const std::vector<int>& positions) {
   selectOnly(flags);
 }
 
-void FileListModel::deselectAll() { selectOnly(std::vector<char>(_idb->count(), 0)); }
-
-bool FileListModel::isSelected(int position) const {
-  return position >= 1 && position <= static_cast<int>(_selected.size()) &&
-         _selected[position - 1];
+void FileListModel::deselectAll() {
+  _selected.resize(_idb->count());
+  _selected.clear();
+  notifySelection();
 }
 
-std::vector<int> FileListModel::selectedPositions() const {
-  std::vector<int> out;
-  out.reserve(_selectedCount);
-  for (size_t i = 0; i < _selected.size(); i++)
-    if (_selected[i]) out.push_back(static_cast<int>(i) + 1);
-  return out;
+void FileListModel::selectOne(int position) {
+  _selected.resize(_idb->count());
+  _selected.selectOnly(position);
+  notifySelection();
 }
+
+void FileListModel::toggleSelected(int position) {
+  _selected.resize(_idb->count());
+  _selected.toggle(position);
+  notifySelection();
+}
+
+void FileListModel::selectRange(int first, int last) {
+  _selected.resize(_idb->count());
+  _selected.selectOnlyRange(first, last);
+  notifySelection();
+}
+
+void FileListModel::setRangeSelected(int first, int last, bool on) {
+  _selected.resize(_idb->count());
+  _selected.setRange(first, last, on);
+  notifySelection();
+}
+
+void FileListModel::selectAll() {
+  _selected.resize(_idb->count());
+  _selected.selectAll();
+  notifySelection();
+}
+
+bool FileListModel::isSelected(int position) const { return _selected.has(position); }
+
+std::vector<int> FileListModel::selectedPositions() const { return _selected.positions(); }
 
 int FileListModel::totalDirsSelected() const {
   int n = 0;
-  for (size_t i = 0; i < _selected.size(); i++)
+  for (int i = 0; i < _selected.size(); i++)
     if (_selected[i] && (*_idb)[static_cast<int>(i)]->type() == 'd') n++;
   return n;
 }
@@ -658,7 +677,7 @@ void FileListModel::removeItems(const std::vector<char>& doomed) {
 }
 
 void FileListModel::removeSelected() {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   BusyScope busy(_busy);
   backup();
   // Records go from the last selected to the first; a removed record's source
@@ -690,7 +709,7 @@ void FileListModel::removeSelected() {
       if (!by.unselected && by.firstSelected >= i) unmarks.emplace_back((*_idb)[i]->srcpath());
     }
   }
-  removeItems(_selected);
+  removeItems(_selected.flags());
   for (const std::string& src : unmarks) _addPanel->unmark(src);
   refresh();
   _modified = true;
@@ -730,14 +749,19 @@ std::unique_ptr<StringSet> FileListModel::getTags() const {
 std::vector<std::string> FileListModel::getList() const {
   std::vector<std::string> out;
   out.reserve(_idb->count());
-  for (int i = 0; i < _idb->count(); i++) {
-    const ::idb* rec = (*_idb)[i];
-    std::string l(rec->tag());
-    l += ' ';
-    l += rec->srcpath();
-    out.push_back(std::move(l));
-  }
+  std::string buffer;
+  for (int i = 1; i <= _idb->count(); i++) out.emplace_back(listLine(i, buffer));
   return out;
+}
+
+std::string_view FileListModel::listLine(int item, std::string& buffer) const {
+  buffer.clear();
+  if (item < 1 || item > _idb->count()) return buffer;
+  const ::idb* rec = (*_idb)[item - 1];
+  buffer += rec->tag();
+  buffer += ' ';
+  buffer += rec->srcpath();
+  return buffer;
 }
 
 void FileListModel::createPatch(const std::string& patchName, const std::vector<int>& keep) {
@@ -783,8 +807,8 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
 
 template <class Edit>
 bool FileListModel::editSelected(Edit edit) {
-  if (_selectedCount == 0) return false;
-  for (int i = 0; i < static_cast<int>(_selected.size()) && i < _idb->count(); i++)
+  if (_selected.count() == 0) return false;
+  for (int i = 0; i < _selected.size() && i < _idb->count(); i++)
     if (_selected[i]) edit(i);
   _modified = true;
   return true;
@@ -832,7 +856,7 @@ void FileListModel::replaceDestFile(const std::string& name) {
 }
 
 void FileListModel::replaceTag(const std::string& tag) {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   backup();
   editSelected([&](int i) { _idb->setTag(i, tag); });
 }
@@ -848,7 +872,7 @@ void FileListModel::addDirsAttribute(const std::string& attr) {
 }
 
 void FileListModel::deleteAttributes() {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   backup();
   editSelected([&](int i) { _idb->deleteAttributes(static_cast<unsigned>(i) + 1); });
 }

@@ -24,6 +24,7 @@
 #include <string_view>
 #include <vector>
 
+#include "filelist/RowSelection.h"
 #include "idb/Idb.h"
 
 class AddFilesPartner;
@@ -152,9 +153,22 @@ class FileListModel {
   /// of range are ignored.
   void setSelectedPositions(const std::vector<int>& positions);
   void deselectAll();
+  // What the list's user does to the selection, one gesture at a time; each
+  // costs the rows it names (plus clearing the old selection's span), never
+  // a pass over every record.  Positions out of range are ignored.
+  /// Only position selected (a click).
+  void selectOne(int position);
+  /// position flips (a Ctrl-click).
+  void toggleSelected(int position);
+  /// Only first..last selected (a Shift-click or a drag).
+  void selectRange(int first, int last);
+  /// first..last become on, the others stay (a Ctrl-drag).
+  void setRangeSelected(int first, int last, bool on);
+  /// Every line selected (Ctrl+/).
+  void selectAll();
   bool isSelected(int position) const;
   std::vector<int> selectedPositions() const;
-  int totalSelected() const { return _selectedCount; }
+  int totalSelected() const { return _selected.count(); }
   /// How many selected records are directories.
   int totalDirsSelected() const;
 
@@ -179,6 +193,9 @@ class FileListModel {
   std::unique_ptr<StringSet> getTags() const;
   /// One "tag srcpath" line per record, for the Create Patch dialog.
   std::vector<std::string> getList() const;
+  /// The getList line of one-based item, made in buffer (a long list asks
+  /// for the lines it shows, not for all of them).
+  std::string_view listLine(int item, std::string& buffer) const;
   /// Keeps only the items numbered in keep (one-based, ascending), re-tags
   /// them into the patch product patchName and drops every other product.
   void createPatch(const std::string& patchName, const std::vector<int>& keep);
@@ -239,9 +256,8 @@ class FileListModel {
   // starts: a million lines cost one allocation, not a million.
   std::string _lineText;
   std::vector<size_t> _lineStart;
-  // One flag per record position (index p-1), and how many are set.
-  std::vector<char> _selected;
-  int _selectedCount = 0;
+  // One flag per record position (index p-1).
+  RowSelection _selected;
 };
 
 #endif

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <Xm/Label.h>
-#include <Xm/List.h>
 #include <Xm/TextF.h>
 
 #include <memory>
@@ -13,6 +12,7 @@
 #include "app/View.h"
 #include "filelist/FileList.h"
 #include "filelist/FileListModel.h"
+#include "ov/OvList.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"
 #include "yr/YrDialogManager.h"
@@ -86,19 +86,24 @@ class FileListTest : public ::testing::Test {
   Widget widget(const char* name) {
     return XtNameToWidget(list->baseWidget(), (std::string("*") + name).c_str());
   }
+  // The rows as the list draws them.
   std::vector<std::string> lines() {
     Widget w = widget("fileList");
-    XmStringTable items = nullptr;
-    int count = 0;
-    XtVaGetValues(w, XmNitems, &items, XmNitemCount, &count, nullptr);
     std::vector<std::string> out;
-    for (int i = 0; i < count; ++i) {
-      char* t = static_cast<char*>(XmStringUnparse(items[i], nullptr, XmCHARSET_TEXT,
-                                                   XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-      out.push_back(t);
-      XtFree(t);
+    for (int p = 1; p <= OvListItemCount(w); ++p) {
+      size_t length = 0;
+      const char* row = OvListRowText(w, p, &length);
+      out.emplace_back(row, length);
     }
     return out;
+  }
+  // Types expression into the filter field and presses Return.
+  void filter(const char* expression) {
+    Widget field = widget("selectionTextField");
+    XmTextFieldSetString(field, const_cast<char*>(expression));
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(field, XmNactivateCallback, &cbs);
   }
   std::string label() {
     XmString s = nullptr;
@@ -238,9 +243,13 @@ TEST_F(FileListTest, FilterSelectsByTheLinesOfTheCurrentView) {
       {3, "config", {2}},
       {1, "[", {2}},  // does not compile: bell, selection kept
   };
+  std::vector<int> previous;
   for (const Case& c : cases) {
     setView(c.view);
-    XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>(c.expression));
+    XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>("^$"));
+    EXPECT_EQ(previous, list->model().selectedPositions()) << "typing alone selects nothing";
+    filter(c.expression);
+    previous = c.selected;
     EXPECT_EQ(c.selected, list->listView().selection()) << c.view << " " << c.expression;
     EXPECT_EQ(c.selected, list->model().selectedPositions()) << c.view << " " << c.expression;
   }
@@ -254,7 +263,7 @@ TEST_F(FileListTest, UndoTwiceRedoes) {
   setView(1);
   openThree();
   std::vector<std::string> all = lines();
-  XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>("^other"));
+  filter("^other");
   press("removePushButton");
   std::vector<std::string> removed = lines();
   EXPECT_EQ((std::vector<std::string>{"tool.sw.base src/a", "tool.sw.lib src/b"}), removed);
@@ -267,13 +276,19 @@ TEST_F(FileListTest, UndoTwiceRedoes) {
 TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
   setView(1);
   openThree();
-  XmListCallbackStruct cbs{};
-  int positions[] = {1, 3};
-  cbs.reason = XmCR_EXTENDED_SELECT;
-  cbs.selected_item_positions = positions;
-  cbs.selected_item_count = 2;
-  XtCallCallbacks(widget("fileList"), XmNextendedSelectionCallback, &cbs);
+  // Click on 1, Ctrl-click on 3, as the list reports them.
+  struct Gesture {
+    int kind, position;
+  } gestures[] = {{OvLIST_SELECT_ONE, 1}, {OvLIST_TOGGLE, 3}};
+  for (const Gesture& g : gestures) {
+    OvListCallbackStruct cbs{};
+    cbs.reason = XmCR_EXTENDED_SELECT;
+    cbs.gesture = g.kind;
+    cbs.position = cbs.first = cbs.last = g.position;
+    XtCallCallbacks(widget("fileList"), OvNgestureCallback, &cbs);
+  }
   EXPECT_EQ((std::vector<int>{1, 3}), list->model().selectedPositions());
+  EXPECT_EQ((std::vector<int>{1, 3}), list->listView().selection());
   press("removePushButton");
   EXPECT_EQ((std::vector<std::string>{"tool.sw.lib src/b"}), lines());
 }
@@ -281,9 +296,9 @@ TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
 TEST_F(FileListTest, DoubleClickWithSourcesMissingSelectsAndNamesThem) {
   setView(1);
   openThree();  // src/a, src/b, src/c exist under no source root here
-  XmListCallbackStruct cbs{};
+  OvListCallbackStruct cbs{};
   cbs.reason = XmCR_DEFAULT_ACTION;
-  cbs.item_position = 2;
+  cbs.position = cbs.first = cbs.last = 2;
   XtCallCallbacks(widget("fileList"), XmNdefaultActionCallback, &cbs);
   EXPECT_TRUE(getTheErrorDialog()->isPosted());
   EXPECT_EQ("No files found under Source Root " + list->model().sourceRoot() + ".",
