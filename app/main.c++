@@ -7,6 +7,7 @@
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
 #include "yr/YrFormat.h"
+#include "yr/YrIdleProbe.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
   window->initialize();
   window->setTitle("Tamblin");
   window->show();
+  YrIdleProbe::installFromEnvironment(window->shell());
   app->notBusy();
   return app->run();
 }

@@ -73,9 +73,13 @@ void FileList::fileNameChanged(const std::string& label) {
 
 bool FileList::askFileName(const std::string& title, const std::string& filter,
                            const std::string& proposed, std::string* chosen) {
-  return getTheFileSelectionDialog()->postAndWait(title.c_str(), filter.c_str(),
-                                                  proposed.c_str(), chosen) ==
-         YrDialogManager::Ok;
+  YrFileSelectionDialog* dialog = getTheFileSelectionDialog();
+  const bool ok = dialog->postAndWait(title.c_str(), filter.c_str(), proposed.c_str(), chosen) ==
+                  YrDialogManager::Ok;
+  // Motif leaves a file selection dialog up after OK or Cancel, and while
+  // it stays up (application modal) the rest of the program takes no input.
+  dialog->unpost();
+  return ok;
 }
 
 // Opening, saving and checking a large idb take a while without a return

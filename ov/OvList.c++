@@ -879,7 +879,9 @@ OvListClassRec ovListClassRec = {
         // primitive_class
         borderHighlight,     // border_highlight
         borderUnhighlight,   // border_unhighlight
-        XtInheritTranslations,  // translations
+        // None: the primitive's traversal bindings would take the arrow
+        // keys; the list's own table binds Tab for traversal.
+        nullptr,             // translations
         nullptr,             // arm_and_activate
         nullptr,             // syn_resources
         0,                   // num_syn_resources
