@@ -3,7 +3,14 @@
 #include <Xm/Label.h>
 #include <Xm/TextF.h>
 
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <X11/Xutil.h>
+
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -305,6 +312,185 @@ TEST_F(FileListTest, DoubleClickWithSourcesMissingSelectsAndNamesThem) {
             getTheErrorDialog()->message());
   getTheErrorDialog()->press(YrDialogManager::Ok);
   EXPECT_EQ((std::vector<int>{1, 2, 3}), list->listView().selection());
+}
+
+// The list driven by real X events: xdotool's mouse and keys go through the
+// server to the program's windows, and what the list then draws is read
+// back from the screen.
+class FileListEventsTest : public FileListTest {
+ protected:
+  void SetUp() override {
+    FileListTest::SetUp();
+    std::string idb;
+    for (int i = 1; i <= 40; ++i) {
+      char line[128];
+      std::snprintf(line, sizeof line, "f 0644 root sys usr/f%02d src/f%02d tool.sw.%s\n", i, i,
+                    i % 2 ? "base" : "lib");
+      idb += line;
+    }
+    setView(1);
+    answerFileDialog(dir.write("forty.idb", idb));
+    choose("File/Open/Idb");
+    settle();
+    fileList = widget("fileList");
+    ASSERT_EQ(40, OvListItemCount(fileList));
+  }
+
+  // Runs xdotool with args on the test's display while the program keeps
+  // handling its events, then lets the events it caused arrive.
+  void xdo(std::vector<std::string> args) {
+    std::vector<char*> argv;
+    args.insert(args.begin(), "xdotool");
+    for (std::string& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    std::string display = std::string("DISPLAY=") + DisplayString(UiTestApp::display());
+    char* envp[] = {display.data(), nullptr};
+    pid_t pid = 0;
+    ASSERT_EQ(0, posix_spawnp(&pid, "xdotool", nullptr, nullptr, argv.data(), envp));
+    int status = 0;
+    while (waitpid(pid, &status, WNOHANG) == 0) {
+      UiTestApp::flush();
+      usleep(2000);
+    }
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << args[1];
+    settle();
+  }
+  void settle() {
+    for (int i = 0; i < 5; ++i) {
+      XSync(UiTestApp::display(), False);
+      UiTestApp::flush();
+      usleep(5000);
+    }
+  }
+  // Root coordinates of the middle of list row p (visible).
+  std::vector<std::string> at(int p) {
+    Position x = 0, y = 0;
+    int row = p - OvListTopPosition(fileList);
+    XtTranslateCoords(fileList, 60, static_cast<Position>(6 + row * OvListRowHeight(fileList) +
+                                                          OvListRowHeight(fileList) / 2),
+                      &x, &y);
+    return {"mousemove", std::to_string(x), std::to_string(y)};
+  }
+  void click(int p, const char* modifier = nullptr) {
+    std::vector<std::string> a = at(p);
+    if (modifier) a.insert(a.end(), {"keydown", modifier});
+    a.insert(a.end(), {"click", "1"});
+    if (modifier) a.insert(a.end(), {"keyup", modifier});
+    xdo(a);
+  }
+  // Whether row p is drawn selected: the ground at the row's right end
+  // (beyond its short text) is the list's foreground there.
+  bool drawnSelected(int p) {
+    Dimension width = 0;
+    Pixel foreground = 0;
+    XtVaGetValues(fileList, XmNwidth, &width, XmNforeground, &foreground, nullptr);
+    int row = p - OvListTopPosition(fileList);
+    int y = 6 + row * OvListRowHeight(fileList) + OvListRowHeight(fileList) / 2;
+    XImage* image = XGetImage(UiTestApp::display(), XtWindow(fileList), width - 12, y, 1, 1,
+                              AllPlanes, ZPixmap);
+    if (!image) return false;
+    unsigned long pixel = XGetPixel(image, 0, 0);
+    XDestroyImage(image);
+    return pixel == foreground;
+  }
+  // The model, the list's idea of the selection and the screen agree.
+  void expectSelection(const std::vector<int>& expected, const std::string& step) {
+    EXPECT_EQ(expected, list->model().selectedPositions()) << step;
+    EXPECT_EQ(expected, list->listView().selection()) << step;
+    std::set<int> chosen(expected.begin(), expected.end());
+    int top = OvListTopPosition(fileList);
+    for (int p = top; p < top + OvListVisibleRows(fileList) && p <= 40; ++p)
+      EXPECT_EQ(chosen.count(p) == 1, drawnSelected(p)) << step << ": row " << p << " on screen";
+  }
+  static std::vector<int> range(int first, int last) {
+    std::vector<int> out;
+    for (int p = first; p <= last; ++p) out.push_back(p);
+    return out;
+  }
+
+  Widget fileList = nullptr;
+};
+
+TEST_F(FileListEventsTest, MouseAndKeysSelectAsInAMotifList) {
+  click(3);
+  expectSelection({3}, "click");
+  click(5, "ctrl");
+  expectSelection({3, 5}, "ctrl-click");
+  click(8, "shift");
+  expectSelection(range(5, 8), "shift-click from the last ctrl-click");
+  std::vector<std::string> drag = at(2);
+  drag.insert(drag.end(), {"mousedown", "1"});
+  for (const std::string& a : at(4)) drag.push_back(a);
+  drag.insert(drag.end(), {"mouseup", "1"});
+  xdo(drag);
+  expectSelection(range(2, 4), "drag from 2 to 4");
+  xdo({"key", "Down"});
+  expectSelection({5}, "Down");
+  xdo({"key", "shift+Down", "shift+Down"});
+  expectSelection(range(5, 7), "shift+Down twice");
+  xdo({"key", "ctrl+Down", "ctrl+space"});
+  expectSelection(range(5, 8), "ctrl+Down moves only, ctrl+space toggles");
+  xdo({"key", "ctrl+slash"});
+  expectSelection(range(1, 40), "ctrl+/");
+  xdo({"key", "ctrl+backslash"});
+  expectSelection({}, "ctrl+\\");
+  xdo({"key", "End"});
+  expectSelection({40}, "End");
+  EXPECT_GT(OvListTopPosition(fileList), 1) << "End scrolls the last row into view";
+  xdo({"key", "Home", "Next"});
+  const int page = OvListVisibleRows(fileList) - 1;
+  EXPECT_EQ(1, OvListTopPosition(fileList)) << "a page down from the top stays on the first page";
+  expectSelection({1 + page}, "Home, Page Down");
+  xdo({"key", "space"});
+  expectSelection({1 + page}, "space selects the cursor's row");
+
+  // The filter, typed and run with Return, selects without any gesture;
+  // afterwards a click replaces the selection as extended selection does.
+  Position fx = 0, fy = 0;
+  XtTranslateCoords(widget("selectionTextField"), 10, 10, &fx, &fy);
+  xdo({"mousemove", std::to_string(fx), std::to_string(fy), "click", "1", "type", "lib src"});
+  expectSelection({1 + page}, "typing alone selects nothing");
+  xdo({"key", "Return"});
+  std::vector<int> even;
+  for (int p = 2; p <= 40; p += 2) even.push_back(p);
+  expectSelection(even, "filter lib src");
+  click(3);
+  expectSelection({3}, "a click after the filter");
+  unsigned char policy = 0;
+  XtVaGetValues(fileList, XmNselectionPolicy, &policy, nullptr);
+  EXPECT_EQ(XmEXTENDED_SELECT, policy);
+  XtVaSetValues(fileList, XmNselectionPolicy, XmMULTIPLE_SELECT, nullptr);
+  click(6);
+  click(7);
+  click(3);
+  expectSelection({6, 7}, "multiple selection: clicks toggle");
+  XtVaSetValues(fileList, XmNselectionPolicy, XmEXTENDED_SELECT, nullptr);
+
+  // Another tab refills the list and keeps the selection.
+  setView(2);
+  settle();
+  EXPECT_EQ("f 0644 root sys usr/f06", lines().at(5));
+  expectSelection({6, 7}, "Edit Permissions tab");
+}
+
+TEST_F(FileListEventsTest, DoubleClickAndReturnAreTheDefaultAction) {
+  // src/f.. exist under no source root here, so the default action reports
+  // the missing files and selects them.
+  const std::string expected = "No files found under Source Root " + list->model().sourceRoot() + ".";
+  std::vector<std::string> twice = at(6);
+  twice.insert(twice.end(), {"click", "--repeat", "2", "--delay", "60", "1"});
+  xdo(twice);
+  ASSERT_TRUE(getTheErrorDialog()->isPosted()) << "double click";
+  EXPECT_EQ(expected, getTheErrorDialog()->message());
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  settle();
+  expectSelection(range(1, 40), "missing files selected");
+  click(9);
+  expectSelection({9}, "click");
+  xdo({"key", "Return"});
+  ASSERT_TRUE(getTheErrorDialog()->isPosted()) << "Return";
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  settle();
 }
 
 }  // namespace
