@@ -266,10 +266,10 @@ void makeFont(Widget w) {
 }
 
 struct Span {
-  int x;       // where the first drawn glyph starts
+  int x;        // where the first drawn glyph starts
   size_t first;
   size_t last;  // past the last drawn glyph
-  int width;    // the whole row, estimated past the drawn part
+  int width;    // the whole (cut) row
 };
 
 int advance(Display* d, XftFont* font, FcChar32 c) {
@@ -279,25 +279,25 @@ int advance(Display* d, XftFont* font, FcChar32 c) {
   return info.xOff;
 }
 
-// Which glyphs of the row fall into [left, right) once the row starts at x0.
+// Which glyphs of the row fall into [left, right) once the row starts at
+// x0.  The whole row is measured (it is at most OvLIST_MAX_ROW_BYTES long),
+// so the horizontal scroll range and the cut mark agree at every offset.
 Span visibleSpan(Widget w, const std::vector<FcChar32>& glyphs, int x0, int left, int right) {
   Display* d = XtDisplay(w);
   XftFont* font = part(w).font;
-  Span s{x0, 0, 0, 0};
+  Span s{x0, glyphs.size(), glyphs.size(), 0};
   int x = x0;
-  size_t i = 0;
-  for (; i < glyphs.size(); ++i) {
+  for (size_t i = 0; i < glyphs.size(); ++i) {
     int a = advance(d, font, glyphs[i]);
-    if (x + a > left) break;
+    if (s.first == glyphs.size() && x + a > left) {
+      s.first = i;
+      s.x = x;
+    }
+    if (s.last == glyphs.size() && x >= right) s.last = i;
     x += a;
   }
-  s.first = i;
-  s.x = x;
-  for (; i < glyphs.size() && x < right; ++i) x += advance(d, font, glyphs[i]);
-  s.last = i;
-  // Past the window the rest is estimated: measuring a long line glyph by
-  // glyph on every redraw would cost far more than the scroll bar gains.
-  s.width = x - x0 + static_cast<int>(glyphs.size() - i) * font->max_advance_width;
+  if (s.first > s.last) s.first = s.last;
+  s.width = x - x0;
   return s;
 }
 
