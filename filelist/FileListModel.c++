@@ -491,54 +491,50 @@ void FileListModel::refresh() {
     std::fprintf(stderr, "FileList::refresh\tUnrecognized view: %d\n", _view);
     return;
   }
-  _lineText.clear();
-  _lineStart.clear();
-  _lineStart.reserve(_idb->count());
-  std::string buf;
-  char modeText[32];
-  for (int i = 0; i < _idb->count(); i++) {
-    const ::idb* rec = (*_idb)[i];
-    _lineStart.push_back(_lineText.size());
-    switch (_view) {
-      case kTagView:
-        _lineText += rec->tag();
-        _lineText += ' ';
-        _lineText += rec->srcpath();
-        break;
-      case kPermsView:
-        std::snprintf(modeText, sizeof modeText, "%c %04o ", rec->type(),
-                      static_cast<unsigned>(rec->mode()));
-        _lineText += modeText;
-        _lineText += rec->owner();
-        _lineText += ' ';
-        _lineText += rec->group();
-        _lineText += ' ';
-        _lineText += rec->dstpath();
-        break;
-      case kAttributesView:
-        _lineText += rec->dstpath();
-        for (int a = 0; a < rec->nattrs(); a++) {
-          _lineText += ' ';
-          _lineText += rec->attr(a);
-        }
-        break;
-      case kBuildView:
-        buf.clear();
-        _idb->write(buf, static_cast<unsigned>(i));
-        _lineText += buf;
-        break;
-    }
-    _lineText += '\0';
-  }
+  // Lines are made when asked for: the list asks for the few it shows and
+  // the filter for each in turn, so no copy of a million lines is kept.
+  _shownView = _view;
+  _lineCount = _idb->count();
   if (_display) _display->linesChanged();
 }
 
+void FileListModel::formatLine(int index, std::string& out) const {
+  out.clear();
+  const ::idb* rec = (*_idb)[index];
+  char modeText[32];
+  switch (_shownView) {
+    case kTagView:
+      out += rec->tag();
+      out += ' ';
+      out += rec->srcpath();
+      break;
+    case kPermsView:
+      std::snprintf(modeText, sizeof modeText, "%c %04o ", rec->type(),
+                    static_cast<unsigned>(rec->mode()));
+      out += modeText;
+      out += rec->owner();
+      out += ' ';
+      out += rec->group();
+      out += ' ';
+      out += rec->dstpath();
+      break;
+    case kAttributesView:
+      out += rec->dstpath();
+      for (int a = 0; a < rec->nattrs(); a++) {
+        out += ' ';
+        out += rec->attr(a);
+      }
+      break;
+    case kBuildView:
+      _idb->write(out, static_cast<unsigned>(index));
+      break;
+  }
+}
+
 std::string_view FileListModel::line(int position) const {
-  if (position < 1 || position > lineCount()) return {};
-  const size_t start = _lineStart[position - 1];
-  const size_t end =
-      position < lineCount() ? _lineStart[position] - 1 : _lineText.size() - 1;
-  return std::string_view(_lineText.data() + start, end - start);
+  if (position < 1 || position > lineCount() || position > _idb->count()) return {};
+  formatLine(position - 1, _lineBuffer);
+  return _lineBuffer;
 }
 
 void FileListModel::resizeSelection() { _selected.resize(_idb->count()); }

@@ -139,8 +139,10 @@ class FileListModel {
   /// Reformats every line for the current view and keeps the selected
   /// positions that still exist.
   void refresh();
-  int lineCount() const { return static_cast<int>(_lineStart.size()); }
-  /// Line at one-based position p, as the list shows it.
+  int lineCount() const { return _lineCount; }
+  /// Line at one-based position p, as the list shows it (in the format of
+  /// the last view refreshed other than the hierarchy).  The text lives
+  /// until the next call.
   std::string_view line(int position) const;
 
   /// Selects exactly the lines (as the current view shows them) that expr
@@ -223,6 +225,7 @@ class FileListModel {
 
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
+  void formatLine(int index, std::string& out) const;
   void reportNotFound(int count, int total, const std::string& root, bool noneFound);
   void selectOnly(const std::vector<char>& flags);
   void resizeSelection();
@@ -252,10 +255,11 @@ class FileListModel {
   bool _modified = false;
   int _view = kHierarchyView;
 
-  // The lines one after another, each followed by a NUL, and where each
-  // starts: a million lines cost one allocation, not a million.
-  std::string _lineText;
-  std::vector<size_t> _lineStart;
+  // The view whose lines the list shows (none before the first refresh) and
+  // how many it had then; a line is made from its record when asked for.
+  int _shownView = kHierarchyView;
+  int _lineCount = 0;
+  mutable std::string _lineBuffer;
   // One flag per record position (index p-1).
   RowSelection _selected;
 };
