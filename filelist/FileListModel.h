@@ -4,8 +4,8 @@
 // destination roots, the lines of the list for the tab that is showing and
 // the set of selected lines.  Line position p (counted from 1) is record p-1
 // and idb item number p.  Every edit works on the selected positions, so the
-// selection is the program's notion of "the files being edited"; the Motif
-// list only mirrors lines and selection (FileListDisplay).
+// selection is the program's notion of "the files being edited"; the list
+// only shows lines and selection as it draws them (FileListDisplay).
 //
 // Everything the user is told goes through the Reporter given at
 // construction: dialogs (error, warning, question) and message-log lines.
@@ -151,8 +151,8 @@ class FileListModel {
   bool selectMatching(const std::string& expr);
   /// Selects exactly the records tagged tag.
   void selectTag(const std::string& tag);
-  /// The user's own selection, mirrored from the list widget.  Positions out
-  /// of range are ignored.
+  /// Exactly these positions selected (a pass over every record; the list's
+  /// gestures use the operations below).  Positions out of range are ignored.
   void setSelectedPositions(const std::vector<int>& positions);
   void deselectAll();
   // What the list's user does to the selection, one gesture at a time; each

@@ -753,6 +753,9 @@ void initialize(Widget, Widget w, ArgList, Cardinal*) {
 
 void destroy(Widget w) {
   OvListPart& l = part(w);
+  // The bars live in the parent; without the list they have nothing to move.
+  for (Widget bar : {l.vbar, l.hbar})
+    if (bar && !bar->core.being_destroyed) XtDestroyWidget(bar);
   freeColors(w);
   if (l.draw) XftDrawDestroy(l.draw);
   if (l.font) XftFontClose(XtDisplay(w), l.font);
