@@ -56,6 +56,11 @@ struct OvListPart {
   Widget vbar;
   Widget hbar;
 
+  // While held, redraws wait: a key that scrolls and selects, and the
+  // owner's redraw inside a gesture, draw the rows once at the end.
+  int hold;
+  bool pending;
+
   // Pointer state.
   bool dragging;
   bool dragSets;  // a Ctrl-drag sets its range to dragOn
@@ -356,6 +361,10 @@ void drawRow(Widget w, int position, std::vector<FcChar32>& glyphs) {
 void drawRows(Widget w, int first, int last) {
   OvListPart& l = part(w);
   if (!XtIsRealized(w) || !l.draw) return;
+  if (l.hold > 0) {
+    l.pending = true;
+    return;
+  }
   int in = inset(w);
   XRectangle clip{static_cast<short>(in), static_cast<short>(in),
                   static_cast<unsigned short>(std::max(1, static_cast<int>(w->core.width) - 2 * in)),
@@ -382,6 +391,11 @@ void drawFrame(Widget w) {
 void redrawAll(Widget w) {
   OvListPart& l = part(w);
   if (!XtIsRealized(w) || !l.draw) return;
+  if (l.hold > 0) {
+    l.pending = true;
+    return;
+  }
+  l.pending = false;
   int in = inset(w);
   // Below the last row: the plain ground.
   int used = (std::min(l.count, l.top + visibleRows(w)) - l.top + 1) * l.row_height;
@@ -394,6 +408,20 @@ void redrawAll(Widget w) {
   XftDrawSetClip(l.draw, nullptr);
   drawFrame(w);
 }
+
+// Redraws inside the scope are drawn once, when the outermost one ends.
+class HoldRedraw {
+ public:
+  explicit HoldRedraw(Widget w) : _w(w) { ++part(w).hold; }
+  ~HoldRedraw() {
+    if (--part(_w).hold == 0 && part(_w).pending) redrawAll(_w);
+  }
+  HoldRedraw(const HoldRedraw&) = delete;
+  HoldRedraw& operator=(const HoldRedraw&) = delete;
+
+ private:
+  Widget _w;
+};
 
 // ---- moving ------------------------------------------------------------------
 
@@ -423,6 +451,7 @@ void callGesture(Widget w, XEvent* event, int gesture, int position, int first, 
   cbs.first = std::min(first, last);
   cbs.last = std::max(first, last);
   cbs.on = on;
+  HoldRedraw hold(w);
   XtCallCallbackList(w, part(w).gesture_callback, &cbs);
   redrawAll(w);
 }
@@ -453,6 +482,7 @@ void moveCursor(Widget w, XEvent* e, int position) {
   OvListPart& l = part(w);
   if (l.count <= 0) return;
   position = std::max(1, std::min(position, l.count));
+  HoldRedraw hold(w);
   int old = l.cursor;
   l.cursor = position;
   showPosition(w, position);
@@ -490,6 +520,7 @@ int pointerPosition(Widget w, int y) {
 void selectPress(Widget w, XEvent* e, String*, Cardinal*) {
   OvListPart& l = part(w);
   takeFocus(w);
+  HoldRedraw hold(w);
   if (e->type != ButtonPress || l.count <= 0) return;
   int y = e->xbutton.y;
   int rowEnd = inset(w) + (std::min(l.count, l.top + visibleRows(w)) - l.top + 1) * l.row_height;
@@ -539,6 +570,7 @@ void selectPress(Widget w, XEvent* e, String*, Cardinal*) {
 void selectMotion(Widget w, XEvent* e, String*, Cardinal*) {
   OvListPart& l = part(w);
   if (!l.dragging || e->type != MotionNotify) return;
+  HoldRedraw hold(w);
   int y = e->xmotion.y;
   // Dragging past an edge scrolls a row at a time.
   if (y < inset(w) && l.top > 1) setTop(w, l.top - 1);
@@ -725,6 +757,8 @@ void initialize(Widget, Widget w, ArgList, Cardinal*) {
   l.font = nullptr;
   l.draw = nullptr;
   l.colorsAllocated = false;
+  l.hold = 0;
+  l.pending = false;
   l.dragging = false;
   l.dragSets = false;
   l.dragOn = True;
