@@ -626,11 +626,12 @@ int FileListModel::totalDirsSelected() const {
 
 void FileListModel::showCurrent(int position) {
   if (position < 1 || position > _idb->count()) return;
+  // Looking for every record's file takes a while on a large idb.
+  BusyScope busy(_busy);
   if (cantPrependRoot(_sourceRoot, false) > 0) {
     cantPrependRoot(_sourceRoot, true);
     return;
   }
-  BusyScope busy(_busy);
   const ::idb* rec = (*_idb)[position - 1];
   const std::string src(rec->srcpath());
   if (_addPanel) _addPanel->setCurrent(join(_sourceRoot, src));
