@@ -355,11 +355,13 @@ class FileListEventsTest : public FileListTest {
     ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << args[1];
     settle();
   }
+  // xdotool's requests may still wait in the server when it has exited;
+  // the events they make arrive over a few rounds.
   void settle() {
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 10; ++i) {
       XSync(UiTestApp::display(), False);
       UiTestApp::flush();
-      usleep(5000);
+      usleep(10000);
     }
   }
   // Root coordinates of the middle of list row p (visible).
