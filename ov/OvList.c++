@@ -788,8 +788,11 @@ void initialize(Widget, Widget w, ArgList, Cardinal*) {
 void destroy(Widget w) {
   OvListPart& l = part(w);
   // The bars live in the parent; without the list they have nothing to move.
-  for (Widget bar : {l.vbar, l.hbar})
-    if (bar && !bar->core.being_destroyed) XtDestroyWidget(bar);
+  // When the parent goes too they go with it (and may be freed already: the
+  // parent outlives its children during a destroy, the siblings need not).
+  if (!XtParent(w)->core.being_destroyed)
+    for (Widget bar : {l.vbar, l.hbar})
+      if (bar) XtDestroyWidget(bar);
   freeColors(w);
   if (l.draw) XftDrawDestroy(l.draw);
   if (l.font) XftFontClose(XtDisplay(w), l.font);
