@@ -9,7 +9,6 @@ ListView::ListView(Widget list, Source& source, Gestures& gestures)
   const OvListSource s{&ListView::textOf, &ListView::selectedOf};
   OvListSetSource(_list, &s, this);
   XtAddCallback(_list, OvNgestureCallback, &ListView::callback, this);
-  XtAddCallback(_list, XmNdefaultActionCallback, &ListView::callback, this);
   XtAddCallback(_list, XmNdestroyCallback, &ListView::destroyed, this);
   contentsChanged();
 }
@@ -17,7 +16,6 @@ ListView::ListView(Widget list, Source& source, Gestures& gestures)
 ListView::~ListView() {
   if (!_list) return;  // the widget went first
   XtRemoveCallback(_list, OvNgestureCallback, &ListView::callback, this);
-  XtRemoveCallback(_list, XmNdefaultActionCallback, &ListView::callback, this);
   XtRemoveCallback(_list, XmNdestroyCallback, &ListView::destroyed, this);
   OvListSetSource(_list, nullptr, nullptr);
 }

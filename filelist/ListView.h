@@ -66,7 +66,9 @@ class ListView {
   std::vector<int> selection() const;
 
   /// Turns one call of the list's gesture or default action callback into
-  /// the Gestures call it stands for.
+  /// the Gestures call it stands for.  The view takes the gesture callback
+  /// itself; the default action reaches it through its panel's layout
+  /// class, which routes that callback by name.
   void handle(const OvListCallbackStruct& cbs);
 
  private:
