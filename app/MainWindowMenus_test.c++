@@ -11,6 +11,7 @@
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
 #include "app/PatchDialog.h"
+#include "ov/OvList.h"
 #include "app/View.h"
 #include "build/Generate.h"
 #include "filelist/FileListModel.h"
@@ -69,9 +70,7 @@ TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdbAndBuildsThePatc
   PatchDialog* first = window->patchDialog();
   ASSERT_NE(nullptr, first);
   EXPECT_TRUE(first->isPosted());
-  int count = 0;
-  XtVaGetValues(first->list(), XmNitemCount, &count, nullptr);
-  EXPECT_EQ(2, count);
+  EXPECT_EQ(2, OvListItemCount(first->list()));
   first->unpost();
 
   // A new dialog each time.
@@ -82,7 +81,11 @@ TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdbAndBuildsThePatc
   const std::string patch = proposed;
   XtFree(proposed);
   EXPECT_EQ(0u, patch.rfind("my_product_patch", 0)) << patch;
-  XmListSelectPos(dialog->list(), 2, False);
+  OvListCallbackStruct click{};  // what the list reports for a click on row 2
+  click.reason = XmCR_EXTENDED_SELECT;
+  click.gesture = OvLIST_SELECT_ONE;
+  click.position = click.first = click.last = 2;
+  XtCallCallbacks(dialog->list(), OvNgestureCallback, &click);
   dialog->press(YrDialogManager::Ok);
   EXPECT_FALSE(dialog->isPosted());
 

@@ -2,7 +2,6 @@
 
 #include <Xm/Form.h>
 #include <Xm/Label.h>
-#include <Xm/List.h>
 #include <Xm/MessageB.h>
 #include <Xm/RowColumn.h>
 #include <Xm/TextF.h>
@@ -13,6 +12,7 @@
 
 #include "app/ui/LayoutWidgets.h"
 #include "filelist/FileListModel.h"
+#include "ov/OvList.h"
 #include "util/Reporter.h"
 #include "yr/YrFormat.h"
 
@@ -45,7 +45,7 @@ Widget PatchDialog::createDialog(Widget parent) {
   Widget dialog = YrGenericDialog::createDialog(parent);
   _form = createManaged("form", xmFormWidgetClass, dialog);
   _scrolledWindow = createManagedScrolledWindow("scrolledWindow", _form);
-  _scrolledList = createManaged("scrolledList", xmListWidgetClass, _scrolledWindow,
+  _scrolledList = createManaged("scrolledList", ovListWidgetClass, _scrolledWindow,
                                 {{XmNvisibleItemCount, 6}, {XmNwidth, 588},
                                  {XmNselectionPolicy, XmEXTENDED_SELECT}});
   _label1 = createManaged("label1", xmLabelWidgetClass, _form,
@@ -62,7 +62,8 @@ Widget PatchDialog::createDialog(Widget parent) {
   _label = createManaged("label", xmLabelWidgetClass, _rowcolumn2);
   _textfield = createManaged("textfield", xmTextFieldWidgetClass, _rowcolumn2, {{XmNcolumns, 30}});
 
-  fillList();
+  _chosen.resize(_fileList.idb().count());
+  _listView = std::make_unique<ListView>(_scrolledList, *this, *this);
   std::string proposal = proposeName(_productName);
   XmTextFieldSetString(_textfield, const_cast<char*>(proposal.c_str()));
 
@@ -81,15 +82,13 @@ Widget PatchDialog::createDialog(Widget parent) {
   return dialog;
 }
 
-void PatchDialog::fillList() {
-  std::vector<std::string> lines = _fileList.getList();
-  std::vector<XmString> items;
-  items.reserve(lines.size());
-  for (const std::string& line : lines)
-    items.push_back(XmStringCreateLocalized(const_cast<char*>(line.c_str())));
-  XmListAddItemsUnselected(_scrolledList, items.data(), static_cast<int>(items.size()), 0);
-  for (XmString item : items) XmStringFree(item);
+int PatchDialog::count() const { return _fileList.idb().count(); }
+
+std::string_view PatchDialog::text(int position) const {
+  return _fileList.listLine(position, _lineBuffer);
 }
+
+bool PatchDialog::isSelected(int position) const { return _chosen.has(position); }
 
 void PatchDialog::ok(Widget, XtPointer) {
   char* text = XmTextFieldGetString(_textfield);
@@ -99,15 +98,12 @@ void PatchDialog::ok(Widget, XtPointer) {
     _reporter.error("Specify patch Product Name.");
     return;
   }
-  int* positions = nullptr;
-  int count = 0;
-  if (!XmListGetSelectedPos(_scrolledList, &positions, &count) || count <= 0) {
+  // Positions come out ascending, as createPatch needs them.
+  const std::vector<int> keep = _chosen.positions();
+  if (keep.empty()) {
     _reporter.error("Select files in patch.");
     return;
   }
-  std::vector<int> keep(positions, positions + count);
-  std::sort(keep.begin(), keep.end());
-  XtFree(reinterpret_cast<char*>(positions));
   _fileList.createPatch(name, keep);
   unpost();
   _fileList.refresh();

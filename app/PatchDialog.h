@@ -9,14 +9,20 @@
 #ifndef TAMBLIN_APP_PATCHDIALOG_H
 #define TAMBLIN_APP_PATCHDIALOG_H
 
+#include <memory>
 #include <string>
 
+#include "filelist/ListView.h"
+#include "filelist/RowSelection.h"
 #include "yr/YrGenericDialog.h"
 
 class FileListModel;
 class Reporter;
 
-class PatchDialog : public YrGenericDialog {
+// The list shows every idb record (a million, it may be), so it is an
+// OvList that asks the file list for the lines it draws; the dialog keeps
+// the chosen rows itself.
+class PatchDialog : public YrGenericDialog, public ListView::Source, public ListView::Gestures {
  public:
   PatchDialog(const char* name, FileListModel& fileList, const std::string& productName,
               Reporter& reporter);
@@ -30,6 +36,8 @@ class PatchDialog : public YrGenericDialog {
   static const char* const _defaultPatchDialogResources[];
 
   Widget list() const { return _scrolledList; }
+  /// The chosen rows (one-based item numbers, ascending).
+  std::vector<int> chosen() const { return _chosen.positions(); }
   Widget nameField() const { return _textfield; }
 
  protected:
@@ -37,7 +45,16 @@ class PatchDialog : public YrGenericDialog {
   void ok(Widget w, XtPointer callData) override;
 
  private:
-  void fillList();
+  int count() const override;
+  std::string_view text(int position) const override;
+  bool isSelected(int position) const override;
+  void activate(int) override {}
+  void selectOne(int position) override { _chosen.selectOnly(position); }
+  void toggle(int position) override { _chosen.toggle(position); }
+  void selectRange(int first, int last) override { _chosen.selectOnlyRange(first, last); }
+  void setRange(int first, int last, bool on) override { _chosen.setRange(first, last, on); }
+  void selectAll() override { _chosen.selectAll(); }
+  void deselectAll() override { _chosen.clear(); }
 
   FileListModel& _fileList;
   std::string _productName;
@@ -56,6 +73,9 @@ class PatchDialog : public YrGenericDialog {
   Widget _rowcolumn2 = nullptr;
   Widget _label = nullptr;
   Widget _textfield = nullptr;
+  std::unique_ptr<ListView> _listView;
+  RowSelection _chosen;
+  mutable std::string _lineBuffer;
 };
 
 #endif

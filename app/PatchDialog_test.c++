@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <Xm/List.h>
 #include <Xm/TextF.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "app/PatchDialog.h"
+#include "ov/OvList.h"
 #include "filelist/FileListModel.h"
 #include "filelist/SpecGraphPartner.h"
 #include "spec/SpecGraphModel.h"
@@ -70,19 +70,27 @@ class PatchDialogTest : public ::testing::Test {
     dialog->post();
     UiTestApp::flush();
   }
+  // The rows as the list draws them.
   std::vector<std::string> items() {
-    XmStringTable table = nullptr;
-    int n = 0;
-    XtVaGetValues(dialog->list(), XmNitems, &table, XmNitemCount, &n, nullptr);
     std::vector<std::string> out;
-    for (int i = 0; i < n; ++i) out.push_back(text(table[i]));
+    for (int p = 1; p <= OvListItemCount(dialog->list()); ++p) {
+      size_t length = 0;
+      const char* row = OvListRowText(dialog->list(), p, &length);
+      out.emplace_back(row, length);
+    }
     return out;
   }
+  // What the list reports for a gesture of the user's.
+  void gesture(int kind, int position) {
+    OvListCallbackStruct cbs{};
+    cbs.reason = XmCR_EXTENDED_SELECT;
+    cbs.gesture = kind;
+    cbs.position = cbs.first = cbs.last = position;
+    XtCallCallbacks(dialog->list(), OvNgestureCallback, &cbs);
+  }
+  // Ctrl-clicks on each position.
   void select(std::initializer_list<int> positions) {
-    // Multiple selection so that each position adds to the selection.
-    XtVaSetValues(dialog->list(), XmNselectionPolicy, XmMULTIPLE_SELECT, nullptr);
-    for (int p : positions) XmListSelectPos(dialog->list(), p, False);
-    XtVaSetValues(dialog->list(), XmNselectionPolicy, XmEXTENDED_SELECT, nullptr);
+    for (int p : positions) gesture(OvLIST_TOGGLE, p);
   }
   void setName(const char* name) { XmTextFieldSetString(dialog->nameField(), const_cast<char*>(name)); }
   std::string name() {
@@ -168,7 +176,7 @@ TEST_F(PatchDialogTest, RefusalsKeepTheDialogUp) {
   post();
   for (const Case& c : cases) {
     reporter.clear();
-    XmListDeselectAllItems(dialog->list());
+    gesture(OvLIST_DESELECT_ALL, 0);
     select(c.selected);
     setName(c.name);
     dialog->press(YrDialogManager::Ok);
@@ -191,6 +199,9 @@ TEST_F(PatchDialogTest, EmptyIdbShowsAnEmptyListAndRefuses) {
 TEST_F(PatchDialogTest, OkMakesThePatchFromTheChosenFiles) {
   post();
   select({1, 3});
+  EXPECT_EQ((std::vector<int>{1, 3}), dialog->chosen());
+  EXPECT_TRUE(OvListRowSelected(dialog->list(), 3));
+  EXPECT_FALSE(OvListRowSelected(dialog->list(), 2));
   setName("fix");
   dialog->press(YrDialogManager::Ok);
   UiTestApp::flush();

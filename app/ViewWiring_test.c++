@@ -21,6 +21,7 @@
 #include "app/MyApp.h"
 #include "app/PatchDialog.h"
 #include "app/View.h"
+#include "ov/OvList.h"
 #include "app/ui/LayoutChecks.h"
 #include "build/Generate.h"
 #include "filelist/FileListAdd.h"
@@ -54,16 +55,13 @@ bool waitFor(const std::function<bool()>& done) {
   return done();
 }
 
+// The rows an OvList draws.
 std::vector<std::string> listItems(Widget list) {
-  XmStringTable items = nullptr;
-  int count = 0;
-  XtVaGetValues(list, XmNitems, &items, XmNitemCount, &count, nullptr);
   std::vector<std::string> out;
-  for (int i = 0; i < count; ++i) {
-    char* t = static_cast<char*>(XmStringUnparse(items[i], nullptr, XmCHARSET_TEXT,
-                                                 XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-    out.push_back(t);
-    XtFree(t);
+  for (int p = 1; p <= OvListItemCount(list); ++p) {
+    size_t length = 0;
+    const char* row = OvListRowText(list, p, &length);
+    out.emplace_back(row, length);
   }
   return out;
 }
@@ -130,17 +128,21 @@ class ViewWiringTest : public ::testing::Test {
   }
   Widget fileListWidget() { return XtNameToWidget(view->baseWidget(), "*FileList*fileList"); }
   // The user selects these entries of the file list (1-based).
+  // A click on the first, Ctrl-clicks on the others, as the list reports
+  // them.
   void selectEntries(std::vector<int> positions) {
-    XmListCallbackStruct cbs{};
-    cbs.reason = XmCR_EXTENDED_SELECT;
-    cbs.selected_item_positions = positions.data();
-    cbs.selected_item_count = static_cast<int>(positions.size());
-    XtCallCallbacks(fileListWidget(), XmNextendedSelectionCallback, &cbs);
+    for (size_t i = 0; i < positions.size(); ++i) {
+      OvListCallbackStruct cbs{};
+      cbs.reason = XmCR_EXTENDED_SELECT;
+      cbs.gesture = i == 0 ? OvLIST_SELECT_ONE : OvLIST_TOGGLE;
+      cbs.position = cbs.first = cbs.last = positions[i];
+      XtCallCallbacks(fileListWidget(), OvNgestureCallback, &cbs);
+    }
   }
   void doubleClickEntry(int position) {
-    XmListCallbackStruct cbs{};
+    OvListCallbackStruct cbs{};
     cbs.reason = XmCR_DEFAULT_ACTION;
-    cbs.item_position = position;
+    cbs.position = cbs.first = cbs.last = position;
     XtCallCallbacks(fileListWidget(), XmNdefaultActionCallback, &cbs);
   }
   void clickNode(const std::string& tag) {
@@ -271,7 +273,13 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
   EXPECT_EQ(3u, listItems(dialog->list()).size());
   const std::string patch = fieldText(dialog->nameField());
   ASSERT_EQ(0u, patch.rfind("my_product_patch", 0)) << patch;
-  XmListSelectPos(dialog->list(), 3, False);
+  {
+    OvListCallbackStruct click{};  // what the list reports for a click on row 3
+    click.reason = XmCR_EXTENDED_SELECT;
+    click.gesture = OvLIST_SELECT_ONE;
+    click.position = click.first = click.last = 3;
+    XtCallCallbacks(dialog->list(), OvNgestureCallback, &click);
+  }
   dialog->press(YrDialogManager::Ok);
   EXPECT_FALSE(dialog->isPosted());
   ASSERT_EQ(1, fileList.idb().count());

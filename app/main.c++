@@ -8,6 +8,7 @@
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
 #include "yr/YrFormat.h"
+#include "yr/YrIdleProbe.h"
 
 namespace {
 
@@ -42,6 +43,7 @@ int main(int argc, char** argv) {
   window->initialize();
   window->setTitle("Tamblin");
   window->show();
+  YrIdleProbe::installFromEnvironment(window->shell());
   app->notBusy();
   return app->run();
 }

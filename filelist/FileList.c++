@@ -1,11 +1,11 @@
 #include "filelist/FileList.h"
 
 #include <Xm/Label.h>
-#include <Xm/List.h>
 #include <Xm/TextF.h>
 
 #include <vector>
 
+#include "ov/OvList.h"
 #include "app/View.h"
 #include "filelist/FileListModel.h"
 #include "yr/YrApp.h"
@@ -15,13 +15,10 @@ FileList::FileList(const char* name, Widget parent, View& view)
     : FileListUI(name, parent),
       _view(view),
       _model(std::make_unique<FileListModel>(view.reporter())),
-      _listView(_fileList) {
+      _listView(_fileList, *this, *this) {
   _model->setDisplay(this);
   _model->setFileNamePrompt(this);
   _model->setBusyIndicator(this);
-  // The user's own selection goes into the model, which holds the
-  // selection every edit works on.
-  XtAddCallback(_fileList, XmNextendedSelectionCallback, &FileList::listSelectionCallback, this);
   fileNameChanged(_model->fileNameLabel());
 }
 
@@ -62,16 +59,9 @@ void FileList::refresh() {
 // The model's display, prompt and busy state
 // ---------------------------------------------------------------------------
 
-void FileList::linesChanged() {
-  const FileListModel& model = *_model;
-  _listView.setItems(model.lineCount(), [&model](int p) { return model.line(p); });
-  _listView.setSelection(model.selectedPositions());
-}
+void FileList::linesChanged() { _listView.contentsChanged(); }
 
-void FileList::selectionChanged() {
-  // A change that came from the list is already shown there.
-  if (!_selectionFromList) _listView.setSelection(_model->selectedPositions());
-}
+void FileList::selectionChanged() { _listView.selectionChanged(); }
 
 void FileList::showLastLine() { _listView.showLast(); }
 
@@ -83,30 +73,44 @@ void FileList::fileNameChanged(const std::string& label) {
 
 bool FileList::askFileName(const std::string& title, const std::string& filter,
                            const std::string& proposed, std::string* chosen) {
-  return getTheFileSelectionDialog()->postAndWait(title.c_str(), filter.c_str(),
-                                                  proposed.c_str(), chosen) ==
-         YrDialogManager::Ok;
+  YrFileSelectionDialog* dialog = getTheFileSelectionDialog();
+  const bool ok = dialog->postAndWait(title.c_str(), filter.c_str(), proposed.c_str(), chosen) ==
+                  YrDialogManager::Ok;
+  // Motif leaves a file selection dialog up after OK or Cancel, and while
+  // it stays up (application modal) the rest of the program takes no input.
+  dialog->unpost();
+  return ok;
 }
 
+// Opening, saving and checking a large idb take a while without a return
+// to the event loop: what is waiting to be drawn (the place a dialog just
+// left, a pressed button) is drawn before the work starts, and the list as
+// soon as it ends.
 void FileList::busy() {
   if (YrApp* app = YrApp::theApp()) app->busy();
+  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
 }
 
 void FileList::notBusy() {
   if (YrApp* app = YrApp::theApp()) app->notBusy();
+  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
 }
 
 // ---------------------------------------------------------------------------
 // Widget callbacks
 // ---------------------------------------------------------------------------
 
-void FileList::allPushButton(Widget, XtPointer) {
+// The filter runs when the field is activated, not when its text changes;
+// the buttons put their expression there and run it, as Return would.
+void FileList::allPushButton(Widget w, XtPointer callData) {
   XmTextFieldSetString(_selectionTextField, const_cast<char*>(FileListModel::kSelectAllExpression));
+  selectionTextField(w, callData);
 }
 
-void FileList::nonePushButton(Widget, XtPointer) {
+void FileList::nonePushButton(Widget w, XtPointer callData) {
   XmTextFieldSetString(_selectionTextField,
                        const_cast<char*>(FileListModel::kSelectNoneExpression));
+  selectionTextField(w, callData);
 }
 
 void FileList::selectionTextField(Widget, XtPointer) {
@@ -121,21 +125,29 @@ void FileList::removePushButton(Widget, XtPointer) { _model->removeSelected(); }
 void FileList::undoPushButton(Widget, XtPointer) { _model->undo(); }
 
 void FileList::defaultAction(Widget, XtPointer callData) {
-  auto* cbs = static_cast<XmListCallbackStruct*>(callData);
-  if (cbs) _model->showCurrent(cbs->item_position);
+  if (callData) _listView.handle(*static_cast<OvListCallbackStruct*>(callData));
 }
 
-void FileList::listSelectionCallback(Widget, XtPointer clientData, XtPointer callData) {
-  static_cast<FileList*>(clientData)->listSelection(callData);
-}
+// ---------------------------------------------------------------------------
+// The list's rows and gestures
+// ---------------------------------------------------------------------------
 
-void FileList::listSelection(XtPointer callData) {
-  auto* cbs = static_cast<XmListCallbackStruct*>(callData);
-  std::vector<int> positions;
-  if (cbs && cbs->selected_item_positions)
-    positions.assign(cbs->selected_item_positions,
-                     cbs->selected_item_positions + cbs->selected_item_count);
-  _selectionFromList = true;
-  _model->setSelectedPositions(positions);
-  _selectionFromList = false;
-}
+int FileList::count() const { return _model->lineCount(); }
+
+std::string_view FileList::text(int position) const { return _model->line(position); }
+
+bool FileList::isSelected(int position) const { return _model->isSelected(position); }
+
+void FileList::activate(int position) { _model->showCurrent(position); }
+
+void FileList::selectOne(int position) { _model->selectOne(position); }
+
+void FileList::toggle(int position) { _model->toggleSelected(position); }
+
+void FileList::selectRange(int first, int last) { _model->selectRange(first, last); }
+
+void FileList::setRange(int first, int last, bool on) { _model->setRangeSelected(first, last, on); }
+
+void FileList::selectAll() { _model->selectAll(); }
+
+void FileList::deselectAll() { _model->deselectAll(); }

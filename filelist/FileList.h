@@ -25,7 +25,9 @@ class FileList : public FileListUI,
                  public IdbDocument,
                  public FileListDisplay,
                  public FileNamePrompt,
-                 public BusyIndicator {
+                 public BusyIndicator,
+                 public ListView::Source,
+                 public ListView::Gestures {
  public:
   /// view must outlive the panel.
   FileList(const char* name, Widget parent, View& view);
@@ -68,13 +70,21 @@ class FileList : public FileListUI,
   void defaultAction(Widget, XtPointer callData) override;
 
  private:
-  static void listSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
-  void listSelection(XtPointer callData);
+  // The list's rows and what the user does to them, straight to the model.
+  int count() const override;
+  std::string_view text(int position) const override;
+  bool isSelected(int position) const override;
+  void activate(int position) override;
+  void selectOne(int position) override;
+  void toggle(int position) override;
+  void selectRange(int first, int last) override;
+  void setRange(int first, int last, bool on) override;
+  void selectAll() override;
+  void deselectAll() override;
 
   View& _view;
   std::unique_ptr<FileListModel> _model;
   ListView _listView;
-  bool _selectionFromList = false;
 };
 
 #endif

@@ -1,6 +1,7 @@
-// FileListDisplay: the widget that mirrors the file list model (a Motif list
-// and the file name label in the program).  The model holds the lines and
-// the selection; the display copies them when told.  Optional.
+// FileListDisplay: the widgets that mirror the file list model (the list and
+// the file name label in the program).  The model holds the lines and the
+// selection; the list asks for the rows it shows when told that they
+// changed.  Optional.
 #ifndef TAMBLIN_FILELIST_FILELISTDISPLAY_H
 #define TAMBLIN_FILELIST_FILELISTDISPLAY_H
 

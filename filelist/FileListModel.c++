@@ -520,67 +520,57 @@ void FileListModel::refresh() {
     std::fprintf(stderr, "FileList::refresh\tUnrecognized view: %d\n", _view);
     return;
   }
-  _lineText.clear();
-  _lineStart.clear();
-  _lineStart.reserve(_idb->count());
-  std::string buf;
-  char modeText[32];
-  for (int i = 0; i < _idb->count(); i++) {
-    const ::idb* rec = (*_idb)[i];
-    _lineStart.push_back(_lineText.size());
-    switch (_view) {
-      case kTagView:
-        _lineText += rec->tag();
-        _lineText += ' ';
-        _lineText += rec->srcpath();
-        break;
-      case kPermsView:
-        std::snprintf(modeText, sizeof modeText, "%c %04o ", rec->type(),
-                      static_cast<unsigned>(rec->mode()));
-        _lineText += modeText;
-        _lineText += rec->owner();
-        _lineText += ' ';
-        _lineText += rec->group();
-        _lineText += ' ';
-        _lineText += rec->dstpath();
-        break;
-      case kAttributesView:
-        _lineText += rec->dstpath();
-        for (int a = 0; a < rec->nattrs(); a++) {
-          _lineText += ' ';
-          _lineText += rec->attr(a);
-        }
-        break;
-      case kBuildView:
-        buf.clear();
-        _idb->write(buf, static_cast<unsigned>(i));
-        _lineText += buf;
-        break;
-    }
-    _lineText += '\0';
-  }
+  // Lines are made when asked for: the list asks for the few it shows and
+  // the filter for each in turn, so no copy of a million lines is kept.
+  _shownView = _view;
+  _lineCount = _idb->count();
   if (_display) _display->linesChanged();
 }
 
-std::string_view FileListModel::line(int position) const {
-  if (position < 1 || position > lineCount()) return {};
-  const size_t start = _lineStart[position - 1];
-  const size_t end =
-      position < lineCount() ? _lineStart[position] - 1 : _lineText.size() - 1;
-  return std::string_view(_lineText.data() + start, end - start);
+void FileListModel::formatLine(int index, std::string& out) const {
+  out.clear();
+  const ::idb* rec = (*_idb)[index];
+  char modeText[32];
+  switch (_shownView) {
+    case kTagView:
+      out += rec->tag();
+      out += ' ';
+      out += rec->srcpath();
+      break;
+    case kPermsView:
+      std::snprintf(modeText, sizeof modeText, "%c %04o ", rec->type(),
+                    static_cast<unsigned>(rec->mode()));
+      out += modeText;
+      out += rec->owner();
+      out += ' ';
+      out += rec->group();
+      out += ' ';
+      out += rec->dstpath();
+      break;
+    case kAttributesView:
+      out += rec->dstpath();
+      for (int a = 0; a < rec->nattrs(); a++) {
+        out += ' ';
+        out += rec->attr(a);
+      }
+      break;
+    case kBuildView:
+      _idb->write(out, static_cast<unsigned>(index));
+      break;
+  }
 }
 
-void FileListModel::resizeSelection() {
-  _selected.resize(_idb->count(), 0);
-  _selectedCount = 0;
-  for (char s : _selected) _selectedCount += s != 0;
+std::string_view FileListModel::line(int position) const {
+  if (position < 1 || position > lineCount() || position > _idb->count()) return {};
+  formatLine(position - 1, _lineBuffer);
+  return _lineBuffer;
 }
+
+void FileListModel::resizeSelection() { _selected.resize(_idb->count()); }
 
 void FileListModel::selectOnly(const std::vector<char>& flags) {
-  _selected = flags;
-  _selected.resize(_idb->count(), 0);
-  _selectedCount = 0;
-  for (char s : _selected) _selectedCount += s != 0;
+  _selected.resize(_idb->count());
+  _selected.assign(flags);
   notifySelection();
 }
 
@@ -616,35 +606,61 @@ void FileListModel::setSelectedPositions(const std::vector<int>& positions) {
   selectOnly(flags);
 }
 
-void FileListModel::deselectAll() { selectOnly(std::vector<char>(_idb->count(), 0)); }
-
-bool FileListModel::isSelected(int position) const {
-  return position >= 1 && position <= static_cast<int>(_selected.size()) &&
-         _selected[position - 1];
+void FileListModel::deselectAll() {
+  _selected.resize(_idb->count());
+  _selected.clear();
+  notifySelection();
 }
 
-std::vector<int> FileListModel::selectedPositions() const {
-  std::vector<int> out;
-  out.reserve(_selectedCount);
-  for (size_t i = 0; i < _selected.size(); i++)
-    if (_selected[i]) out.push_back(static_cast<int>(i) + 1);
-  return out;
+void FileListModel::selectOne(int position) {
+  _selected.resize(_idb->count());
+  _selected.selectOnly(position);
+  notifySelection();
 }
+
+void FileListModel::toggleSelected(int position) {
+  _selected.resize(_idb->count());
+  _selected.toggle(position);
+  notifySelection();
+}
+
+void FileListModel::selectRange(int first, int last) {
+  _selected.resize(_idb->count());
+  _selected.selectOnlyRange(first, last);
+  notifySelection();
+}
+
+void FileListModel::setRangeSelected(int first, int last, bool on) {
+  _selected.resize(_idb->count());
+  _selected.setRange(first, last, on);
+  notifySelection();
+}
+
+void FileListModel::selectAll() {
+  _selected.resize(_idb->count());
+  _selected.selectAll();
+  notifySelection();
+}
+
+bool FileListModel::isSelected(int position) const { return _selected.has(position); }
+
+std::vector<int> FileListModel::selectedPositions() const { return _selected.positions(); }
 
 int FileListModel::totalDirsSelected() const {
   int n = 0;
-  for (size_t i = 0; i < _selected.size(); i++)
+  for (int i = 0; i < _selected.size(); i++)
     if (_selected[i] && (*_idb)[static_cast<int>(i)]->type() == 'd') n++;
   return n;
 }
 
 void FileListModel::showCurrent(int position) {
   if (position < 1 || position > _idb->count()) return;
+  // Looking for every record's file takes a while on a large idb.
+  BusyScope busy(_busy);
   if (cantPrependRoot(_sourceRoot, false) > 0) {
     cantPrependRoot(_sourceRoot, true);
     return;
   }
-  BusyScope busy(_busy);
   const ::idb* rec = (*_idb)[position - 1];
   const std::string src(rec->srcpath());
   if (_addPanel) _addPanel->setCurrent(join(_sourceRoot, src));
@@ -718,7 +734,7 @@ void FileListModel::removeItems(const std::vector<char>& doomed) {
 }
 
 void FileListModel::removeSelected() {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   BusyScope busy(_busy);
   backup();
   // Records go from the last selected to the first; a removed record's source
@@ -750,7 +766,7 @@ void FileListModel::removeSelected() {
       if (!by.unselected && by.firstSelected >= i) unmarks.emplace_back((*_idb)[i]->srcpath());
     }
   }
-  removeItems(_selected);
+  removeItems(_selected.flags());
   for (const std::string& src : unmarks) _addPanel->unmark(src);
   refresh();
   _modified = true;
@@ -790,14 +806,19 @@ std::unique_ptr<StringSet> FileListModel::getTags() const {
 std::vector<std::string> FileListModel::getList() const {
   std::vector<std::string> out;
   out.reserve(_idb->count());
-  for (int i = 0; i < _idb->count(); i++) {
-    const ::idb* rec = (*_idb)[i];
-    std::string l(rec->tag());
-    l += ' ';
-    l += rec->srcpath();
-    out.push_back(std::move(l));
-  }
+  std::string buffer;
+  for (int i = 1; i <= _idb->count(); i++) out.emplace_back(listLine(i, buffer));
   return out;
+}
+
+std::string_view FileListModel::listLine(int item, std::string& buffer) const {
+  buffer.clear();
+  if (item < 1 || item > _idb->count()) return buffer;
+  const ::idb* rec = (*_idb)[item - 1];
+  buffer += rec->tag();
+  buffer += ' ';
+  buffer += rec->srcpath();
+  return buffer;
 }
 
 void FileListModel::createPatch(const std::string& patchName, const std::vector<int>& keep) {
@@ -843,8 +864,8 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
 
 template <class Edit>
 bool FileListModel::editSelected(Edit edit) {
-  if (_selectedCount == 0) return false;
-  for (int i = 0; i < static_cast<int>(_selected.size()) && i < _idb->count(); i++)
+  if (_selected.count() == 0) return false;
+  for (int i = 0; i < _selected.size() && i < _idb->count(); i++)
     if (_selected[i]) edit(i);
   _modified = true;
   return true;
@@ -900,7 +921,7 @@ void FileListModel::replaceDestFile(const std::string& typed) {
 }
 
 void FileListModel::replaceTag(const std::string& tag) {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   backup();
   editSelected([&](int i) { _idb->setTag(i, tag); });
 }
@@ -916,7 +937,7 @@ void FileListModel::addDirsAttribute(const std::string& attr) {
 }
 
 void FileListModel::deleteAttributes() {
-  if (_selectedCount == 0) return;
+  if (_selected.count() == 0) return;
   backup();
   editSelected([&](int i) { _idb->deleteAttributes(static_cast<unsigned>(i) + 1); });
 }

@@ -4,8 +4,8 @@
 // destination roots, the lines of the list for the tab that is showing and
 // the set of selected lines.  Line position p (counted from 1) is record p-1
 // and idb item number p.  Every edit works on the selected positions, so the
-// selection is the program's notion of "the files being edited"; the Motif
-// list only mirrors lines and selection (FileListDisplay).
+// selection is the program's notion of "the files being edited"; the list
+// only shows lines and selection as it draws them (FileListDisplay).
 //
 // Everything the user is told goes through the Reporter given at
 // construction: dialogs (error, warning, question) and message-log lines.
@@ -24,6 +24,7 @@
 #include <string_view>
 #include <vector>
 
+#include "filelist/RowSelection.h"
 #include "idb/Idb.h"
 
 class AddFilesPartner;
@@ -138,8 +139,10 @@ class FileListModel {
   /// Reformats every line for the current view and keeps the selected
   /// positions that still exist.
   void refresh();
-  int lineCount() const { return static_cast<int>(_lineStart.size()); }
-  /// Line at one-based position p, as the list shows it.
+  int lineCount() const { return _lineCount; }
+  /// Line at one-based position p, as the list shows it (in the format of
+  /// the last view refreshed other than the hierarchy).  The text lives
+  /// until the next call.
   std::string_view line(int position) const;
 
   /// Selects exactly the lines (as the current view shows them) that expr
@@ -148,13 +151,26 @@ class FileListModel {
   bool selectMatching(const std::string& expr);
   /// Selects exactly the records tagged tag.
   void selectTag(const std::string& tag);
-  /// The user's own selection, mirrored from the list widget.  Positions out
-  /// of range are ignored.
+  /// Exactly these positions selected (a pass over every record; the list's
+  /// gestures use the operations below).  Positions out of range are ignored.
   void setSelectedPositions(const std::vector<int>& positions);
   void deselectAll();
+  // What the list's user does to the selection, one gesture at a time; each
+  // costs the rows it names (plus clearing the old selection's span), never
+  // a pass over every record.  Positions out of range are ignored.
+  /// Only position selected (a click).
+  void selectOne(int position);
+  /// position flips (a Ctrl-click).
+  void toggleSelected(int position);
+  /// Only first..last selected (a Shift-click or a drag).
+  void selectRange(int first, int last);
+  /// first..last become on, the others stay (a Ctrl-drag).
+  void setRangeSelected(int first, int last, bool on);
+  /// Every line selected (Ctrl+/).
+  void selectAll();
   bool isSelected(int position) const;
   std::vector<int> selectedPositions() const;
-  int totalSelected() const { return _selectedCount; }
+  int totalSelected() const { return _selected.count(); }
   /// How many selected records are directories.
   int totalDirsSelected() const;
 
@@ -182,6 +198,9 @@ class FileListModel {
   std::unique_ptr<StringSet> getTags() const;
   /// One "tag srcpath" line per record, for the Create Patch dialog.
   std::vector<std::string> getList() const;
+  /// The getList line of one-based item, made in buffer (a long list asks
+  /// for the lines it shows, not for all of them).
+  std::string_view listLine(int item, std::string& buffer) const;
   /// Keeps only the items numbered in keep (one-based, ascending), re-tags
   /// them into the patch product patchName and drops every other product.
   void createPatch(const std::string& patchName, const std::vector<int>& keep);
@@ -212,6 +231,7 @@ class FileListModel {
 
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
+  void formatLine(int index, std::string& out) const;
   void reportNotFound(int count, int total, const std::string& root, bool noneFound);
   void selectOnly(const std::vector<char>& flags);
   void resizeSelection();
@@ -242,13 +262,13 @@ class FileListModel {
   bool _modified = false;
   int _view = kHierarchyView;
 
-  // The lines one after another, each followed by a NUL, and where each
-  // starts: a million lines cost one allocation, not a million.
-  std::string _lineText;
-  std::vector<size_t> _lineStart;
-  // One flag per record position (index p-1), and how many are set.
-  std::vector<char> _selected;
-  int _selectedCount = 0;
+  // The view whose lines the list shows (none before the first refresh) and
+  // how many it had then; a line is made from its record when asked for.
+  int _shownView = kHierarchyView;
+  int _lineCount = 0;
+  mutable std::string _lineBuffer;
+  // One flag per record position (index p-1).
+  RowSelection _selected;
 };
 
 #endif

@@ -120,7 +120,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const unsigned char arg = i + 1 < ops.size() ? static_cast<unsigned char>(ops[++i]) : 0;
     const std::string word = kWords[arg % (sizeof kWords / sizeof *kWords)];
     const int count = model.idb().count();
-    switch (op % 20) {
+    // Gestures name positions just outside the list too.
+    const int position = count > 0 ? static_cast<int>(arg) % (count + 2) : static_cast<int>(arg) % 3;
+    const int other = count > 0 ? static_cast<int>(arg * 31u) % (count + 2) : 0;
+    switch (op % 25) {
       case 0: model.selectMatching(word); break;
       case 1: model.selectMatching(std::string(1, static_cast<char>(arg))); break;
       case 2: {
@@ -147,6 +150,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       case 17: model.srcpathsInDir(model.sourceRoot() + "/" + word); break;
       case 18: check(model.getTags()->count() <= count); break;
       case 19: check(static_cast<int>(model.getList().size()) == count); break;
+      case 20: model.selectOne(position); break;
+      case 21: model.toggleSelected(position); break;
+      case 22: model.selectRange(position, other); break;
+      case 23: model.setRangeSelected(other, position, arg & 1); break;
+      case 24: model.selectAll(); break;
     }
     checkInvariants(model);
   }

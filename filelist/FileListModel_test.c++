@@ -502,6 +502,48 @@ TEST_F(FileListModelTest, TheDisplayIsToldWhatToMirror) {
   model.setDisplay(nullptr);
 }
 
+TEST_F(FileListModelTest, GesturesChangeOnlyTheRowsTheyNameAndKeepThroughRefresh) {
+  openText(kThree);
+  model.setView(FileListModel::kTagView);
+  model.refresh();
+  FakeDisplay display(log);
+  model.setDisplay(&display);
+  const struct {
+    const char* name;
+    std::function<void(FileListModel&)> op;
+    std::vector<int> selected;
+  } cases[] = {
+      {"click", [](FileListModel& m) { m.selectOne(2); }, {2}},
+      {"ctrl-click", [](FileListModel& m) { m.toggleSelected(3); }, {2, 3}},
+      {"ctrl-click again", [](FileListModel& m) { m.toggleSelected(2); }, {3}},
+      {"shift-click", [](FileListModel& m) { m.selectRange(3, 1); }, {1, 2, 3}},
+      {"ctrl-drag off", [](FileListModel& m) { m.setRangeSelected(2, 3, false); }, {1}},
+      {"ctrl+/", [](FileListModel& m) { m.selectAll(); }, {1, 2, 3}},
+      {"ctrl+\\", [](FileListModel& m) { m.deselectAll(); }, {}},
+      {"out of range", [](FileListModel& m) { m.selectOne(4); }, {}},
+      {"filter, then a click", [](FileListModel& m) { m.selectMatching("lib"); m.toggleSelected(1); },
+       {1, 2, 3}},
+      {"refresh keeps it", [](FileListModel& m) { m.selectOne(3); m.setView(2); m.refresh(); }, {3}},
+  };
+  for (const auto& c : cases) {
+    log.calls.clear();
+    c.op(model);
+    EXPECT_EQ(c.selected, model.selectedPositions()) << c.name;
+    EXPECT_EQ(static_cast<int>(c.selected.size()), model.totalSelected()) << c.name;
+    for (int p = 1; p <= 3; ++p)
+      EXPECT_EQ(std::count(c.selected.begin(), c.selected.end(), p) == 1, model.isSelected(p))
+          << c.name << " " << p;
+    EXPECT_FALSE(log.calls.empty()) << c.name << ": the display is told";
+  }
+  // Edits act on exactly what the gestures left.
+  model.selectRange(1, 2);
+  model.replaceOwner("adm");
+  Lines owners;
+  for (int i = 0; i < model.idb().count(); ++i) owners.emplace_back(model.idb()[i]->owner());
+  EXPECT_EQ((Lines{"adm", "adm", "root"}), owners);
+  model.setDisplay(nullptr);
+}
+
 TEST_F(FileListModelTest, AbandonChangesAsksOnlyWhenModified) {
   openText(kThree, "named.idb");
   EXPECT_TRUE(model.abandonChanges());
@@ -681,6 +723,9 @@ TEST_F(FileListModelTest, TagsAndListOfAllRecords) {
   EXPECT_STREQ(tagSet->item(0), "tool.sw.base");
   EXPECT_STREQ(tagSet->item(1), "tool.sw.lib");
   EXPECT_EQ(model.getList(), (Lines{"tool.sw.base build/tool", "tool.sw.lib lib", "tool.sw.lib lib/x"}));
+  std::string buffer;
+  EXPECT_EQ("tool.sw.lib lib/x", model.listLine(3, buffer));
+  EXPECT_EQ("", model.listLine(4, buffer));
 
   model.fixTag("tool.sw", "x.y.z");  // no record carries it
   EXPECT_FALSE(model.modified());

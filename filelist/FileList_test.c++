@@ -1,10 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <Xm/Label.h>
-#include <Xm/List.h>
 #include <Xm/TextF.h>
 
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <X11/Xutil.h>
+
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +19,7 @@
 #include "app/View.h"
 #include "filelist/FileList.h"
 #include "filelist/FileListModel.h"
+#include "ov/OvList.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"
 #include "yr/YrDialogManager.h"
@@ -86,19 +93,24 @@ class FileListTest : public ::testing::Test {
   Widget widget(const char* name) {
     return XtNameToWidget(list->baseWidget(), (std::string("*") + name).c_str());
   }
+  // The rows as the list draws them.
   std::vector<std::string> lines() {
     Widget w = widget("fileList");
-    XmStringTable items = nullptr;
-    int count = 0;
-    XtVaGetValues(w, XmNitems, &items, XmNitemCount, &count, nullptr);
     std::vector<std::string> out;
-    for (int i = 0; i < count; ++i) {
-      char* t = static_cast<char*>(XmStringUnparse(items[i], nullptr, XmCHARSET_TEXT,
-                                                   XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
-      out.push_back(t);
-      XtFree(t);
+    for (int p = 1; p <= OvListItemCount(w); ++p) {
+      size_t length = 0;
+      const char* row = OvListRowText(w, p, &length);
+      out.emplace_back(row, length);
     }
     return out;
+  }
+  // Types expression into the filter field and presses Return.
+  void filter(const char* expression) {
+    Widget field = widget("selectionTextField");
+    XmTextFieldSetString(field, const_cast<char*>(expression));
+    XmAnyCallbackStruct cbs{};
+    cbs.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(field, XmNactivateCallback, &cbs);
   }
   std::string label() {
     XmString s = nullptr;
@@ -238,9 +250,13 @@ TEST_F(FileListTest, FilterSelectsByTheLinesOfTheCurrentView) {
       {3, "config", {2}},
       {1, "[", {2}},  // does not compile: bell, selection kept
   };
+  std::vector<int> previous;
   for (const Case& c : cases) {
     setView(c.view);
-    XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>(c.expression));
+    XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>("^$"));
+    EXPECT_EQ(previous, list->model().selectedPositions()) << "typing alone selects nothing";
+    filter(c.expression);
+    previous = c.selected;
     EXPECT_EQ(c.selected, list->listView().selection()) << c.view << " " << c.expression;
     EXPECT_EQ(c.selected, list->model().selectedPositions()) << c.view << " " << c.expression;
   }
@@ -254,7 +270,7 @@ TEST_F(FileListTest, UndoTwiceRedoes) {
   setView(1);
   openThree();
   std::vector<std::string> all = lines();
-  XmTextFieldSetString(widget("selectionTextField"), const_cast<char*>("^other"));
+  filter("^other");
   press("removePushButton");
   std::vector<std::string> removed = lines();
   EXPECT_EQ((std::vector<std::string>{"tool.sw.base src/a", "tool.sw.lib src/b"}), removed);
@@ -267,13 +283,19 @@ TEST_F(FileListTest, UndoTwiceRedoes) {
 TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
   setView(1);
   openThree();
-  XmListCallbackStruct cbs{};
-  int positions[] = {1, 3};
-  cbs.reason = XmCR_EXTENDED_SELECT;
-  cbs.selected_item_positions = positions;
-  cbs.selected_item_count = 2;
-  XtCallCallbacks(widget("fileList"), XmNextendedSelectionCallback, &cbs);
+  // Click on 1, Ctrl-click on 3, as the list reports them.
+  struct Gesture {
+    int kind, position;
+  } gestures[] = {{OvLIST_SELECT_ONE, 1}, {OvLIST_TOGGLE, 3}};
+  for (const Gesture& g : gestures) {
+    OvListCallbackStruct cbs{};
+    cbs.reason = XmCR_EXTENDED_SELECT;
+    cbs.gesture = g.kind;
+    cbs.position = cbs.first = cbs.last = g.position;
+    XtCallCallbacks(widget("fileList"), OvNgestureCallback, &cbs);
+  }
   EXPECT_EQ((std::vector<int>{1, 3}), list->model().selectedPositions());
+  EXPECT_EQ((std::vector<int>{1, 3}), list->listView().selection());
   press("removePushButton");
   EXPECT_EQ((std::vector<std::string>{"tool.sw.lib src/b"}), lines());
 }
@@ -281,15 +303,196 @@ TEST_F(FileListTest, TheUsersSelectionInTheListReachesTheModel) {
 TEST_F(FileListTest, DoubleClickWithSourcesMissingSelectsAndNamesThem) {
   setView(1);
   openThree();  // src/a, src/b, src/c exist under no source root here
-  XmListCallbackStruct cbs{};
+  OvListCallbackStruct cbs{};
   cbs.reason = XmCR_DEFAULT_ACTION;
-  cbs.item_position = 2;
+  cbs.position = cbs.first = cbs.last = 2;
   XtCallCallbacks(widget("fileList"), XmNdefaultActionCallback, &cbs);
   EXPECT_TRUE(getTheErrorDialog()->isPosted());
   EXPECT_EQ("No files found under Source Root " + list->model().sourceRoot() + ".",
             getTheErrorDialog()->message());
   getTheErrorDialog()->press(YrDialogManager::Ok);
   EXPECT_EQ((std::vector<int>{1, 2, 3}), list->listView().selection());
+}
+
+// The list driven by real X events: xdotool's mouse and keys go through the
+// server to the program's windows, and what the list then draws is read
+// back from the screen.
+class FileListEventsTest : public FileListTest {
+ protected:
+  void SetUp() override {
+    FileListTest::SetUp();
+    std::string idb;
+    for (int i = 1; i <= 40; ++i) {
+      char line[128];
+      std::snprintf(line, sizeof line, "f 0644 root sys usr/f%02d src/f%02d tool.sw.%s\n", i, i,
+                    i % 2 ? "base" : "lib");
+      idb += line;
+    }
+    setView(1);
+    answerFileDialog(dir.write("forty.idb", idb));
+    choose("File/Open/Idb");
+    settle();
+    fileList = widget("fileList");
+    ASSERT_EQ(40, OvListItemCount(fileList));
+  }
+
+  // Runs xdotool with args on the test's display while the program keeps
+  // handling its events, then lets the events it caused arrive.
+  void xdo(std::vector<std::string> args) {
+    std::vector<char*> argv;
+    args.insert(args.begin(), "xdotool");
+    for (std::string& a : args) argv.push_back(a.data());
+    argv.push_back(nullptr);
+    std::string display = std::string("DISPLAY=") + DisplayString(UiTestApp::display());
+    char* envp[] = {display.data(), nullptr};
+    pid_t pid = 0;
+    ASSERT_EQ(0, posix_spawnp(&pid, "xdotool", nullptr, nullptr, argv.data(), envp));
+    int status = 0;
+    while (waitpid(pid, &status, WNOHANG) == 0) {
+      UiTestApp::flush();
+      usleep(2000);
+    }
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << args[1];
+    settle();
+  }
+  // xdotool's requests may still wait in the server when it has exited;
+  // the events they make arrive over a few rounds.
+  void settle() {
+    for (int i = 0; i < 10; ++i) {
+      XSync(UiTestApp::display(), False);
+      UiTestApp::flush();
+      usleep(10000);
+    }
+  }
+  // Root coordinates of the middle of list row p (visible).
+  std::vector<std::string> at(int p) {
+    Position x = 0, y = 0;
+    int row = p - OvListTopPosition(fileList);
+    XtTranslateCoords(fileList, 60, static_cast<Position>(6 + row * OvListRowHeight(fileList) +
+                                                          OvListRowHeight(fileList) / 2),
+                      &x, &y);
+    return {"mousemove", std::to_string(x), std::to_string(y)};
+  }
+  void click(int p, const char* modifier = nullptr) {
+    std::vector<std::string> a = at(p);
+    if (modifier) a.insert(a.end(), {"keydown", modifier});
+    a.insert(a.end(), {"click", "1"});
+    if (modifier) a.insert(a.end(), {"keyup", modifier});
+    xdo(a);
+  }
+  // Whether row p is drawn selected: the ground at the row's right end
+  // (beyond its short text) is the list's foreground there.
+  bool drawnSelected(int p) {
+    Dimension width = 0;
+    Pixel foreground = 0;
+    XtVaGetValues(fileList, XmNwidth, &width, XmNforeground, &foreground, nullptr);
+    int row = p - OvListTopPosition(fileList);
+    int y = 6 + row * OvListRowHeight(fileList) + OvListRowHeight(fileList) / 2;
+    XImage* image = XGetImage(UiTestApp::display(), XtWindow(fileList), width - 12, y, 1, 1,
+                              AllPlanes, ZPixmap);
+    if (!image) return false;
+    unsigned long pixel = XGetPixel(image, 0, 0);
+    XDestroyImage(image);
+    return pixel == foreground;
+  }
+  // The model, the list's idea of the selection and the screen agree.
+  void expectSelection(const std::vector<int>& expected, const std::string& step) {
+    EXPECT_EQ(expected, list->model().selectedPositions()) << step;
+    EXPECT_EQ(expected, list->listView().selection()) << step;
+    std::set<int> chosen(expected.begin(), expected.end());
+    int top = OvListTopPosition(fileList);
+    for (int p = top; p < top + OvListVisibleRows(fileList) && p <= 40; ++p)
+      EXPECT_EQ(chosen.count(p) == 1, drawnSelected(p)) << step << ": row " << p << " on screen";
+  }
+  static std::vector<int> range(int first, int last) {
+    std::vector<int> out;
+    for (int p = first; p <= last; ++p) out.push_back(p);
+    return out;
+  }
+
+  Widget fileList = nullptr;
+};
+
+TEST_F(FileListEventsTest, MouseAndKeysSelectAsInAMotifList) {
+  click(3);
+  expectSelection({3}, "click");
+  click(5, "ctrl");
+  expectSelection({3, 5}, "ctrl-click");
+  click(8, "shift");
+  expectSelection(range(5, 8), "shift-click from the last ctrl-click");
+  std::vector<std::string> drag = at(2);
+  drag.insert(drag.end(), {"mousedown", "1"});
+  for (const std::string& a : at(4)) drag.push_back(a);
+  drag.insert(drag.end(), {"mouseup", "1"});
+  xdo(drag);
+  expectSelection(range(2, 4), "drag from 2 to 4");
+  xdo({"key", "Down"});
+  expectSelection({5}, "Down");
+  xdo({"key", "shift+Down", "shift+Down"});
+  expectSelection(range(5, 7), "shift+Down twice");
+  xdo({"key", "ctrl+Down", "ctrl+space"});
+  expectSelection(range(5, 8), "ctrl+Down moves only, ctrl+space toggles");
+  xdo({"key", "ctrl+slash"});
+  expectSelection(range(1, 40), "ctrl+/");
+  xdo({"key", "ctrl+backslash"});
+  expectSelection({}, "ctrl+\\");
+  xdo({"key", "End"});
+  expectSelection({40}, "End");
+  EXPECT_GT(OvListTopPosition(fileList), 1) << "End scrolls the last row into view";
+  xdo({"key", "Home", "Next"});
+  const int page = OvListVisibleRows(fileList) - 1;
+  EXPECT_EQ(1, OvListTopPosition(fileList)) << "a page down from the top stays on the first page";
+  expectSelection({1 + page}, "Home, Page Down");
+  xdo({"key", "space"});
+  expectSelection({1 + page}, "space selects the cursor's row");
+
+  // The filter, typed and run with Return, selects without any gesture;
+  // afterwards a click replaces the selection as extended selection does.
+  Position fx = 0, fy = 0;
+  XtTranslateCoords(widget("selectionTextField"), 10, 10, &fx, &fy);
+  xdo({"mousemove", std::to_string(fx), std::to_string(fy), "click", "1", "type", "lib src"});
+  expectSelection({1 + page}, "typing alone selects nothing");
+  xdo({"key", "Return"});
+  std::vector<int> even;
+  for (int p = 2; p <= 40; p += 2) even.push_back(p);
+  expectSelection(even, "filter lib src");
+  click(3);
+  expectSelection({3}, "a click after the filter");
+  unsigned char policy = 0;
+  XtVaGetValues(fileList, XmNselectionPolicy, &policy, nullptr);
+  EXPECT_EQ(XmEXTENDED_SELECT, policy);
+  XtVaSetValues(fileList, XmNselectionPolicy, XmMULTIPLE_SELECT, nullptr);
+  click(6);
+  click(7);
+  click(3);
+  expectSelection({6, 7}, "multiple selection: clicks toggle");
+  XtVaSetValues(fileList, XmNselectionPolicy, XmEXTENDED_SELECT, nullptr);
+
+  // Another tab refills the list and keeps the selection.
+  setView(2);
+  settle();
+  EXPECT_EQ("f 0644 root sys usr/f06", lines().at(5));
+  expectSelection({6, 7}, "Edit Permissions tab");
+}
+
+TEST_F(FileListEventsTest, DoubleClickAndReturnAreTheDefaultAction) {
+  // src/f.. exist under no source root here, so the default action reports
+  // the missing files and selects them.
+  const std::string expected = "No files found under Source Root " + list->model().sourceRoot() + ".";
+  std::vector<std::string> twice = at(6);
+  twice.insert(twice.end(), {"click", "--repeat", "2", "--delay", "60", "1"});
+  xdo(twice);
+  ASSERT_TRUE(getTheErrorDialog()->isPosted()) << "double click";
+  EXPECT_EQ(expected, getTheErrorDialog()->message());
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  settle();
+  expectSelection(range(1, 40), "missing files selected");
+  click(9);
+  expectSelection({9}, "click");
+  xdo({"key", "Return"});
+  ASSERT_TRUE(getTheErrorDialog()->isPosted()) << "Return";
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  settle();
 }
 
 }  // namespace

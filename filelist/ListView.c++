@@ -1,51 +1,76 @@
 #include "filelist/ListView.h"
 
-#include <Xm/List.h>
+#include <Xm/Xm.h>
 
-#include <string>
+#include "ov/OvList.h"
 
-void ListView::setItems(int count, const std::function<std::string_view(int)>& line) {
-  XmListDeleteAllItems(_list);
-  if (count <= 0) return;
-  std::vector<XmString> items(static_cast<size_t>(count));
-  std::string text;
-  for (int p = 1; p <= count; ++p) {
-    text.assign(line(p));
-    items[p - 1] = XmStringCreateLocalized(const_cast<char*>(text.c_str()));
-  }
-  XmListAddItemsUnselected(_list, items.data(), count, 0);
-  for (XmString s : items) XmStringFree(s);
+ListView::ListView(Widget list, Source& source, Gestures& gestures)
+    : _list(list), _source(source), _gestures(gestures) {
+  const OvListSource s{&ListView::textOf, &ListView::selectedOf};
+  OvListSetSource(_list, &s, this);
+  XtAddCallback(_list, OvNgestureCallback, &ListView::callback, this);
+  XtAddCallback(_list, XmNdestroyCallback, &ListView::destroyed, this);
+  contentsChanged();
 }
 
-int ListView::itemCount() const {
-  int count = 0;
-  XtVaGetValues(_list, XmNitemCount, &count, nullptr);
-  return count;
+ListView::~ListView() {
+  if (!_list) return;  // the widget went first
+  XtRemoveCallback(_list, OvNgestureCallback, &ListView::callback, this);
+  XtRemoveCallback(_list, XmNdestroyCallback, &ListView::destroyed, this);
+  OvListSetSource(_list, nullptr, nullptr);
 }
 
-void ListView::setSelection(const std::vector<int>& positions) {
-  unsigned char policy = XmEXTENDED_SELECT;
-  XtVaGetValues(_list, XmNselectionPolicy, &policy, nullptr);
-  XmListDeselectAllItems(_list);
-  if (!positions.empty()) {
-    // Several positions at once need multiple selection while they are set.
-    std::vector<int> copy(positions);
-    XtVaSetValues(_list, XmNselectionPolicy, XmMULTIPLE_SELECT, nullptr);
-    XtVaSetValues(_list, XmNselectedPositions, copy.data(), XmNselectedPositionCount,
-                  static_cast<int>(copy.size()), nullptr);
-    XtVaSetValues(_list, XmNselectionPolicy, policy, nullptr);
-  }
+void ListView::destroyed(Widget, XtPointer self, XtPointer) {
+  static_cast<ListView*>(self)->_list = nullptr;
 }
+
+void ListView::contentsChanged() {
+  if (_list) OvListSetItemCount(_list, _source.count());
+}
+
+void ListView::selectionChanged() {
+  if (_list) OvListRedraw(_list);
+}
+
+void ListView::showLast() {
+  if (_list) OvListSetBottomPosition(_list, 0);
+}
+
+int ListView::itemCount() const { return _list ? OvListItemCount(_list) : 0; }
 
 std::vector<int> ListView::selection() const {
-  int* positions = nullptr;
-  int count = 0;
   std::vector<int> out;
-  if (XmListGetSelectedPos(_list, &positions, &count)) {
-    out.assign(positions, positions + count);
-    XtFree(reinterpret_cast<char*>(positions));
-  }
+  for (int p = 1; p <= itemCount(); ++p)
+    if (selectedOf(const_cast<ListView*>(this), p)) out.push_back(p);
   return out;
 }
 
-void ListView::showLast() { XmListSetBottomPos(_list, 0); }
+void ListView::handle(const OvListCallbackStruct& cbs) {
+  if (cbs.reason == XmCR_DEFAULT_ACTION) {
+    _gestures.activate(cbs.position);
+    return;
+  }
+  switch (cbs.gesture) {
+    case OvLIST_SELECT_ONE: _gestures.selectOne(cbs.position); break;
+    case OvLIST_TOGGLE: _gestures.toggle(cbs.position); break;
+    case OvLIST_SELECT_RANGE: _gestures.selectRange(cbs.first, cbs.last); break;
+    case OvLIST_SET_RANGE: _gestures.setRange(cbs.first, cbs.last, cbs.on); break;
+    case OvLIST_SELECT_ALL: _gestures.selectAll(); break;
+    case OvLIST_DESELECT_ALL: _gestures.deselectAll(); break;
+    default: break;
+  }
+}
+
+const char* ListView::textOf(XtPointer self, int position, size_t* length) {
+  std::string_view text = static_cast<ListView*>(self)->_source.text(position);
+  *length = text.size();
+  return text.data();
+}
+
+Boolean ListView::selectedOf(XtPointer self, int position) {
+  return static_cast<ListView*>(self)->_source.isSelected(position) ? True : False;
+}
+
+void ListView::callback(Widget, XtPointer self, XtPointer callData) {
+  if (callData) static_cast<ListView*>(self)->handle(*static_cast<OvListCallbackStruct*>(callData));
+}

@@ -10,7 +10,7 @@ packages=(
   # parser generators
   bison flex
   # X11, Xt, Motif and friends
-  libmotif-dev libxpm-dev libxmu-dev libxt-dev libxft-dev libx11-dev
+  libmotif-dev libxpm-dev libxmu-dev libxt-dev libxft-dev libx11-dev libxtst-dev
   fonts-dejavu-core
   # the message service
   libdbus-1-dev dbus dbus-x11

@@ -1,13 +1,13 @@
 #include "app/ui/FileListUI.h"
 
 #include <Xm/Label.h>
-#include <Xm/List.h>
 #include <Xm/PushB.h>
 #include <Xm/TextF.h>
 
 #include "app/ui/LayoutFonts.h"
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
+#include "ov/OvList.h"
 
 const char* const FileListUI::_defaultFileListUIResources[] = {
     "*label.labelString:  Idb File:",
@@ -31,11 +31,12 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
   _scrolledWindow = createManagedScrolledWindow(
       "scrolledWindow", _baseWidget,
       {{OvNrow, 1}, {OvNcolumn, 0}, {XmNwidth, 389}, {XmNheight, 368}});
-  _fileList = createManaged("fileList", xmListWidgetClass, _scrolledWindow,
+  // The idb can hold a million records: the list draws only the rows that
+  // show and brings its own scroll bars into the scrolled window.
+  _fileList = createManaged("fileList", ovListWidgetClass, _scrolledWindow,
                             {{XmNselectionPolicy, XmEXTENDED_SELECT},
                              {XmNwidth, 371},
-                             {XmNheight, 350},
-                             {XmNlistSizePolicy, XmCONSTANT}});
+                             {XmNheight, 350}});
   XtAddCallback(_fileList, XmNdefaultActionCallback, &FileListUI::defaultActionCallback, this);
 
   // The filter row keeps its height; the list takes what is left.
@@ -48,8 +49,10 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
   _selectionTextField = createManaged("selectionTextField", xmTextFieldWidgetClass,
                                       _selectionGrid,
                                       {{OvNcolumn, 1}, {XmNwidth, 389}, {XmNheight, 33}});
-  XtAddCallback(_selectionTextField, XmNvalueChangedCallback,
-                &FileListUI::selectionTextFieldCallback, this);
+  // The filter runs on Return: on a large idb each run takes a moment, and
+  // typing an expression must not pay it per key.
+  XtAddCallback(_selectionTextField, XmNactivateCallback, &FileListUI::selectionTextFieldCallback,
+                this);
   _allPushButton = createManaged("allPushButton", xmPushButtonWidgetClass, _selectionGrid,
                                  {{OvNcolumn, 2}, {OvNresizeHorizontal, False}});
   XtAddCallback(_allPushButton, XmNactivateCallback, &FileListUI::allPushButtonCallback, this);

@@ -11,6 +11,7 @@
 
 #include "app/ui/FileListUI.h"
 #include "app/ui/LayoutChecks.h"
+#include "ov/OvList.h"
 #include "ov/OvGrid.h"
 #include "ov/OvSpringBox.h"
 #include "util/UiTestApp.h"
@@ -50,7 +51,7 @@ TEST_F(FileListUITest, BuildsTheNamedWidgetsInOrderUnderTheirParents) {
                        {"FileList", ovGridWidgetClass, "fileListShell"},
                        {"label", xmLabelWidgetClass, "FileList"},
                        {"scrolledWindow", xmScrolledWindowWidgetClass, "FileList"},
-                       {"fileList", xmListWidgetClass, "scrolledWindow"},
+                       {"fileList", ovListWidgetClass, "scrolledWindow"},
                        {"selectionGrid", ovGridWidgetClass, "FileList"},
                        {"selectionLabel", xmLabelWidgetClass, "selectionGrid"},
                        {"selectionTextField", xmTextFieldWidgetClass, "selectionGrid"},
@@ -89,7 +90,7 @@ TEST_F(FileListUITest, EveryCallbackReachesItsMethod) {
   expectCallbacksRouted(ui.baseWidget(),
                         {
                             {"fileList", XmNdefaultActionCallback, "defaultAction"},
-                            {"selectionTextField", XmNvalueChangedCallback, "selectionTextField"},
+                            {"selectionTextField", XmNactivateCallback, "selectionTextField"},
                             {"allPushButton", XmNactivateCallback, "allPushButton"},
                             {"nonePushButton", XmNactivateCallback, "nonePushButton"},
                             {"removePushButton", XmNactivateCallback, "removePushButton"},
