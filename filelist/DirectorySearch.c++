@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "idb/StringSet.h"
+#include "util/ChildProcess.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ namespace {
     dup2(writeEnd, STDOUT_FILENO);
     close(writeEnd);
   }
+  keepOnlyStandardDescriptors();
   execv(argv[0], argv);
   _exit(127);
 }
