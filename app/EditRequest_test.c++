@@ -528,14 +528,18 @@ TEST_F(EditRequestTest, RequestsWaitWhileAQuestionWaitsForItsAnswer) {
 
 TEST_F(EditRequestTest, CommandLineCompanionSendsTheRequest) {
   std::string sub = dir.mkdir("work");
+  std::string tooLong(PATH_MAX, 's');
   struct Case {
     std::vector<std::string> args;
     int exit;
-    std::vector<std::string> out;
+    std::vector<std::string> out, err;
   } cases[] = {
-      {{sub, "", "", ""}, 0, {"0"}},
-      {{dir.file("missing"), "", "", ""}, 1, {"-1"}},
-      {{sub, "", "", "x"}, 0, {"0"}},
+      {{sub, "", "", ""}, 0, {"0"}, {}},
+      {{dir.file("missing"), "", "", ""}, 1, {"-1"}, {}},
+      {{sub, "", "", "x"}, 0, {"0"}, {}},
+      {{sub, tooLong, "", ""}, 1, {},
+       {"tamblin-cli edit: request refused: Edit request refused: its spec file name is 4096 bytes "
+        "long; no path is longer than 4095 bytes."}},
   };
   for (const Case& c : cases) {
     std::vector<std::string> argv = {TAMBLIN_CLI, "edit"};
@@ -543,6 +547,7 @@ TEST_F(EditRequestTest, CommandLineCompanionSendsTheRequest) {
     Outcome o = runCommand(argv);
     EXPECT_EQ(c.exit, o.status) << joined(o.err);
     EXPECT_EQ(c.out, o.out);
+    EXPECT_EQ(c.err, o.err);
   }
   EXPECT_EQ("x", distField());
 }

@@ -2,7 +2,8 @@
 // the session bus when none runs) to enter DIR, open SPEC and IDB and use
 // DIST as its distribution directory.  An empty argument leaves that part
 // as it is.  Prints the status the program replies (0, or -1 when something
-// failed); exit 0 for status 0, 1 for another status, 2 when the request
+// failed); exit 0 for status 0, 1 for another status or when the program
+// refused the request (its reason on standard error), 2 when the request
 // could not be delivered.
 #include <dbus/dbus.h>
 
@@ -59,7 +60,11 @@ int editCommand(int argc, char** argv) {
   int result;
   dbus_int32_t status = 0;
   if (!reply) {
-    result = fail("no reply", &error);
+    // An error from the program itself says why it refused; the bus's own
+    // errors mean that nobody answered.
+    bool refused = dbus_error_has_name(&error, DBUS_ERROR_INVALID_ARGS);
+    result = fail(refused ? "request refused" : "no reply", &error);
+    if (refused) result = 1;
   } else if (!dbus_message_get_args(reply, &error, DBUS_TYPE_INT32, &status, DBUS_TYPE_INVALID)) {
     result = fail("unexpected reply", &error);
   } else {
