@@ -552,6 +552,22 @@ TEST_F(EditRequestTest, CommandLineCompanionSendsTheRequest) {
   EXPECT_EQ("x", distField());
 }
 
+TEST_F(EditRequestTest, ASecondWindowLogsWhoHoldsTheNameAndTakesItOver) {
+  const std::string waiting =
+      "Another program holds the bus name com.orvex.Tamblin: edit requests go to it. This window "
+      "takes the name over when it is free.";
+  const std::string taken = "This window now holds the bus name com.orvex.Tamblin and answers edit requests.";
+  auto second = std::make_unique<MainWindow>("tamblin");
+  second->initialize();
+  EXPECT_FALSE(second->msgClient()->ownsName());
+  EXPECT_EQ(std::string(MainWindow::kStartHint) + "\n" + waiting, second->view()->messages());
+  window.reset();
+  ASSERT_TRUE(waitFor([&] { return second->msgClient()->ownsName(); }));
+  EXPECT_EQ(std::string(MainWindow::kStartHint) + "\n" + waiting + "\n" + taken,
+            second->view()->messages());
+  second.reset();
+}
+
 TEST(YrMsgClientTest, SecondOwnerTakesTheNameWhenItIsFree) {
   const char* bus = std::getenv("DBUS_SESSION_BUS_ADDRESS");
   if (!bus || !*bus) GTEST_SKIP() << "no session bus";
