@@ -6,12 +6,12 @@
 
 MessageLog::MessageLog(Widget text) : _text(text) {}
 
-std::string MessageLog::shown(const std::string& message) {
-  if (message.size() <= kMaxLineBytes) return message;
+std::string MessageLog::shown(std::string_view message) {
+  if (message.size() <= kMaxLineBytes) return std::string(message);
   // Back up to the start of a UTF-8 character, so the cut never splits one.
   size_t cut = kMaxLineBytes;
   while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
-  return message.substr(0, cut) +
+  return std::string(message.substr(0, cut)) +
          YrFormat("%s %zu more bytes]", kCutMark, message.size() - cut);
 }
 

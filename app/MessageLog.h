@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <deque>
 #include <string>
+#include <string_view>
 
 class MessageLog {
  public:
@@ -39,7 +40,7 @@ class MessageLog {
   size_t dropped() const { return _dropped; }
 
   /// What the log shows for a message: itself, or its start and the mark.
-  static std::string shown(const std::string& message);
+  static std::string shown(std::string_view message);
 
  private:
   void dropOldest();
