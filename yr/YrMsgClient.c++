@@ -110,9 +110,11 @@ struct YrMsgClientGlue {
     static_cast<YrMsgClient*>(data)->receive(message);
     return DBUS_HANDLER_RESULT_HANDLED;
   }
-  // The bus tells a connection by itself when it gets or loses a name.
+  // The bus tells a connection by itself when it gets or loses a name
+  // (and only the bus may say so).
   static DBusHandlerResult busSignal(DBusConnection*, DBusMessage* message, void* data) {
     auto* client = static_cast<YrMsgClient*>(data);
+    if (!dbus_message_has_sender(message, DBUS_SERVICE_DBUS)) return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
     bool acquired = dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameAcquired");
     bool lost = dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameLost");
     const char* name = nullptr;
