@@ -4,6 +4,7 @@
 #include <Xm/ToggleB.h>
 
 #include <X11/cursorfont.h>
+#include <limits.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -100,6 +101,27 @@ void MainWindow::registerMessageActions() {
                                              kEditServiceBusName, kEditServiceObjectPath,
                                              kEditServiceInterface);
   _msgClient->registerAction(kEditInstallationRequest, &MainWindow::messageHandler, this);
+  // Other methods of the interface get the same error box as a malformed
+  // request.
+  _msgClient->registerDefaultAction(&MainWindow::messageHandler, this);
+  _msgClient->setNameCallback(&MainWindow::busNameCallback, this);
+}
+
+void MainWindow::busNameCallback(void* clientData, bool owned) {
+  self(clientData)->logBusName(owned);
+}
+
+void MainWindow::logBusName(bool owned) {
+  if (!_view) return;
+  const char* name = _msgClient->busName().c_str();
+  if (owned)
+    _view->logMessage(
+        YrFormat("This window now holds the bus name %s and answers edit requests.", name).c_str());
+  else
+    _view->logMessage(YrFormat("Another program holds the bus name %s: edit requests go to it. "
+                               "This window takes the name over when it is free.",
+                               name)
+                          .c_str());
 }
 
 int MainWindow::messageHandler(void* clientData, YrMsgClient::Reason reason,
@@ -114,11 +136,49 @@ int MainWindow::messageHandler(void* clientData, YrMsgClient::Reason reason,
     getTheErrorDialog()->post(text.c_str());
     return 0;
   }
-  static_cast<MainWindow*>(clientData)->editInstallation(message, args);
+  MainWindow* window = self(clientData);
+  std::string tooLong = overlongArgument(args);
+  if (!tooLong.empty()) {
+    window->_view->logMessage(tooLong.c_str());
+    window->_view->showMessages();
+    message->fail("org.freedesktop.DBus.Error.InvalidArgs", tooLong);
+    return 1;
+  }
+  window->editInstallation(message, args);
   return 1;
 }
 
+std::string MainWindow::overlongArgument(const YrMsgClient::Arg* args) {
+  // Every value is a path: one longer than any path can be is hostile or
+  // broken, and is refused before it reaches a file name, the log or a text
+  // field.
+  static const char* const kWhat[4] = {"working directory", "spec file name", "idb file name",
+                                       "distribution directory"};
+  for (int i = 0; i < 4; ++i) {
+    size_t length = args[i].value ? std::strlen(args[i].value) : 0;
+    if (length >= PATH_MAX)
+      return YrFormat("Edit request refused: its %s is %zu bytes long; no path is longer than %d "
+                      "bytes.",
+                      kWhat[i], length, PATH_MAX - 1);
+  }
+  return "";
+}
+
+bool MainWindow::mayReplaceDocuments(const YrMsgClient::Arg* args) {
+  // The same questions as the menus, and only for what the request would
+  // replace.
+  if (args[1].value && !spec()->abandonChanges()) return false;
+  if (args[2].value && !idb()->abandonChanges()) return false;
+  return true;
+}
+
 void MainWindow::editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args) {
+  if (!mayReplaceDocuments(args)) {
+    _view->logMessage("Edit request refused: the unsaved changes were kept.");
+    _view->showMessages();
+    message->reply(-1);
+    return;
+  }
   int status = 0;
   if (const char* dir = args[0].value) {
     status = chdir(dir);
@@ -163,6 +223,7 @@ Widget MainWindow::setUpInterface(Widget parent) {
   XFlush(XtDisplay(parent));
   _view->initialView();
   _view->logMessage(kStartHint);
+  if (_msgClient->connected() && !_msgClient->ownsName()) logBusName(false);
   _view->showMessages();
   return _view->baseWidget();
 }

@@ -34,7 +34,10 @@ class MainWindow : public YrMsgWindow {
   /// The Create Patch dialog last made (null before the first use).
   PatchDialog* patchDialog() const { return _patchDialog.get(); }
   /// The edit-installation request: enter a directory, open a spec and an
-  /// idb, set the distribution directory; replies the status.
+  /// idb, set the distribution directory; replies the status.  A value
+  /// longer than any path is refused; unsaved changes of what the request
+  /// would replace are first offered to the user as the menus do, and kept
+  /// changes refuse the request (status -1, nothing done).
   static int messageHandler(void* clientData, YrMsgClient::Reason reason,
                             YrMsgClient::Message* message, const char* messageName, int argCount,
                             const YrMsgClient::Arg* args);
@@ -82,6 +85,10 @@ class MainWindow : public YrMsgWindow {
 
   void postPatchDialog();
   void editInstallation(YrMsgClient::Message* message, const YrMsgClient::Arg* args);
+  static std::string overlongArgument(const YrMsgClient::Arg* args);
+  bool mayReplaceDocuments(const YrMsgClient::Arg* args);
+  static void busNameCallback(void* clientData, bool owned);
+  void logBusName(bool owned);
 
   std::unique_ptr<View> _view;
   std::unique_ptr<YrMsgClient> _msgClient;

@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "app/IdbDocument.h"
+#include "app/MessageLog.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/ui/FileListUI.h"
@@ -92,6 +93,7 @@ void View::useTabImages(const char* const* const* normal, const char* const* con
 
 View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtDisplay(parent)) {
   _reporter = std::make_unique<ViewReporter>(*this);
+  _log = std::make_unique<MessageLog>(_messageText);
   makePixmaps(parent);
   createTabPanel();
   createPanels();
@@ -309,23 +311,9 @@ void View::setView(int view) {
   }
 }
 
-void View::logMessage(const char* text) {
-  if (!text || !*text) return;
-  XmTextPosition end = XmTextGetLastPosition(_messageText);
-  if (end > 0) {
-    XmTextInsert(_messageText, end, const_cast<char*>("\n"));
-    ++end;
-  }
-  XmTextInsert(_messageText, end, const_cast<char*>(text));
-  XmTextShowPosition(_messageText, end);
-}
+void View::logMessage(const char* text) { _log->append(text); }
 
-std::string View::messages() const {
-  char* text = XmTextGetString(_messageText);
-  std::string out = text ? text : "";
-  XtFree(text);
-  return out;
-}
+std::string View::messages() const { return _log->text(); }
 
 bool View::messagesShown() const { return XtIsManaged(_messageForm); }
 

@@ -26,6 +26,7 @@ class FileListPerms;
 class Generate;
 class FileList;
 class IdbDocument;
+class MessageLog;
 class SpecDetail;
 class SpecGraph;
 class SpecDocument;
@@ -49,12 +50,14 @@ class View : public ViewUI {
   int deselectAllTabs();
   void initialView();
 
-  /// Appends a line to the message log (an empty text is ignored).
+  /// Appends a line to the message log (an empty text is ignored; see
+  /// MessageLog for what is cut and what is kept).
   void logMessage(const char* text);
   void showMessages();
   void hideMessages();
-  /// The whole log, lines separated by "\n".
+  /// The whole log as shown, lines separated by "\n".
   std::string messages() const;
+  MessageLog& log() { return *_log; }
   bool messagesShown() const;
 
   void showInternalNames();
@@ -141,6 +144,7 @@ class View : public ViewUI {
   IdbDocument* _idb = nullptr;
   FileList* _fileListPanel = nullptr;  // one of _panels
   std::unique_ptr<Reporter> _reporter;
+  std::unique_ptr<MessageLog> _log;
   FileListAdd* _addPanel = nullptr;
   FileListPerms* _permsPanel = nullptr;
   FileListAttrs* _attrsPanel = nullptr;

@@ -1,6 +1,10 @@
 // tamblin-cli edit DIR SPEC IDB DIST [-v]: asks the running program
 // (started by the session bus when none runs) to enter DIR, open SPEC and
-// IDB and use DIST as its distribution directory.
+// IDB and use DIST as its distribution directory.  An empty argument leaves
+// that part as it is.  Prints the status the program replies (0, or -1 when
+// something failed); exit 0 for status 0, 1 for another status or when the
+// program refused the request (its reason on standard error), 2 when the
+// request could not be delivered.
 #include <dbus/dbus.h>
 
 #include <cstdio>
@@ -26,8 +30,9 @@ const CliCommand::Spec kSpec = {
     "\n"
     "  -v   report the request on standard error\n"
     "\n"
-    "Exit status: 0 the program replied 0; 1 it replied another status; 2 usage\n"
-    "error, or the request could not be delivered (no session bus, no reply).\n",
+    "Exit status: 0 the program replied 0; 1 it replied another status or refused\n"
+    "the request (its reason on standard error); 2 usage error, or the request\n"
+    "could not be delivered (no session bus, no reply).\n",
     4, 4, {}};
 
 // The program may first have to be started by the bus.
@@ -73,7 +78,11 @@ int editCommand(int argc, char** argv) {
   int result;
   dbus_int32_t status = 0;
   if (!reply) {
-    result = fail("no reply", &error);
+    // An error from the program itself says why it refused; the bus's own
+    // errors mean that nobody answered.
+    bool refused = dbus_error_has_name(&error, DBUS_ERROR_INVALID_ARGS);
+    result = fail(refused ? "request refused" : "no reply", &error);
+    if (refused) result = kCliBad;
   } else if (!dbus_message_get_args(reply, &error, DBUS_TYPE_INT32, &status, DBUS_TYPE_INVALID)) {
     result = fail("unexpected reply", &error);
   } else {

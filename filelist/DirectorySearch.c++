@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "idb/StringSet.h"
+#include "util/ChildProcess.h"
 
 namespace {
 
@@ -18,13 +19,12 @@ namespace {
 // standard input, output and error (the program's X and bus connections
 // are none of the command's business), then the command.  Only
 // async-signal-safe calls between fork and exec.
-[[noreturn]] void runChild(int writeEnd, char* const* argv, int maxFd) {
+[[noreturn]] void runChild(int writeEnd, char* const* argv) {
   if (writeEnd != STDOUT_FILENO) {
     dup2(writeEnd, STDOUT_FILENO);
     close(writeEnd);
   }
-  if (close_range(3, ~0U, 0) != 0)
-    for (int fd = 3; fd < maxFd; ++fd) close(fd);
+  keepOnlyStandardDescriptors();
   execv(argv[0], argv);
   _exit(127);
 }
@@ -37,13 +37,11 @@ class Child {
     argv.push_back(nullptr);
     int fds[2];
     if (argv.size() < 2 || pipe2(fds, O_CLOEXEC) != 0) return;
-    long maxFd = sysconf(_SC_OPEN_MAX);
-    if (maxFd < 0 || maxFd > 65536) maxFd = 65536;
     _pid = fork();
     if (_pid == 0) {
       close(fds[0]);
       // dup2 clears close-on-exec on the copy.
-      runChild(fds[1], argv.data(), static_cast<int>(maxFd));
+      runChild(fds[1], argv.data());
     }
     close(fds[1]);
     if (_pid < 0) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "help/HelpRequest.h"
+#include "util/ChildProcess.h"
 
 namespace {
 
@@ -93,6 +94,9 @@ void loadResources() {
     dup2(null, 1);
     if (null > 2) close(null);
   }
+  // The server outlives the program: it must not hold the display's or
+  // anybody's descriptors.
+  keepOnlyStandardDescriptors();
   if (access(server[0].c_str(), X_OK) == 0) execOrExit(server, false);
   if (access(notice[0].c_str(), X_OK) == 0) execOrExit(notice, false);
   execOrExit(message, true);

@@ -143,6 +143,26 @@ TEST_F(HelpClientTest, NoServerRunningStartsOneWithTheRequestPending) {
   EXPECT_EQ("-pending\n" + OrvexHelpLastRequest() + "\n", waitForFile(out));
 }
 
+TEST_F(HelpClientTest, TheServerInheritsOnlyStandardDescriptors) {
+  // A descriptor of the program without close-on-exec; the server (a shell
+  // here) looks for it in its own descriptors.
+  int leaked[2];
+  ASSERT_EQ(0, pipe(leaked));
+  std::string out = dir.file("server.fds");
+  std::string check = "#!/bin/sh\nfor fd in " + std::to_string(leaked[0]) + " " +
+                      std::to_string(leaked[1]) +
+                      "; do [ -e /proc/$$/fd/$fd ] && echo \"$fd open\"; done > " + out +
+                      ".part\n[ -e /proc/$$/fd/2 ] && echo 2 >> " + out + ".part\nmv " + out +
+                      ".part " + out + "\n";
+  programs.server = dir.write("orvexhelp", check);
+  chmod(programs.server.c_str(), 0755);
+  init();
+  ASSERT_EQ(1, OrvexHelpMsg("Topic", "Book", ""));
+  EXPECT_EQ("2\n", waitForFile(out));
+  close(leaked[0]);
+  close(leaked[1]);
+}
+
 TEST_F(HelpClientTest, MissingServerShowsTheErrorBox) {
   const std::string missingText =
       "OrvexHelp server program (/usr/sbin/orvexhelp) not found.";

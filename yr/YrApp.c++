@@ -137,8 +137,27 @@ void YrApp::notBusy() {
 }
 
 int YrApp::run() {
-  while (!_quit) XtAppProcessEvent(_context, XtIMAll);
+  while (!_quit) processEvent();
   return _status;
+}
+
+void YrApp::processEvent() {
+  XtAppProcessEvent(_context, XtIMAll);
+  // A copy: a hook may add or remove hooks (and one removed meanwhile is
+  // not called).
+  std::vector<std::pair<OuterLoopHook, void*>> hooks = _outerLoopHooks;
+  for (const auto& hook : hooks)
+    if (std::find(_outerLoopHooks.begin(), _outerLoopHooks.end(), hook) != _outerLoopHooks.end())
+      hook.first(hook.second);
+}
+
+void YrApp::addOuterLoopHook(OuterLoopHook hook, void* clientData) {
+  _outerLoopHooks.emplace_back(hook, clientData);
+}
+
+void YrApp::removeOuterLoopHook(OuterLoopHook hook, void* clientData) {
+  auto& hooks = _outerLoopHooks;
+  hooks.erase(std::remove(hooks.begin(), hooks.end(), std::make_pair(hook, clientData)), hooks.end());
 }
 
 void YrApp::quit(int status) {

@@ -12,6 +12,7 @@
 #include <X11/Intrinsic.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 class YrApp {
@@ -53,7 +54,19 @@ class YrApp {
   const std::string& busyMessage() const { return _busyMessage; }
 
   /// Processes events until quit(); returns the status given to quit().
+  /// Each turn is processEvent().
   virtual int run();
+  /// Waits for one event, handles it, then runs the outer-loop hooks.
+  /// Loops that stand for the program's main loop (tests) call this;
+  /// nested loops inside callbacks (a modal question waiting for its
+  /// answer) must not.
+  void processEvent();
+  /// hook(clientData) runs each time control is back in the outer loop, out
+  /// of every callback and every nested loop: work that must not happen
+  /// under a pending question (requests from other programs) waits for it.
+  using OuterLoopHook = void (*)(void* clientData);
+  void addOuterLoopHook(OuterLoopHook hook, void* clientData);
+  void removeOuterLoopHook(OuterLoopHook hook, void* clientData);
   /// Ends run() after the callback in progress returns.
   virtual void quit(int status = 0);
   bool quitRequested() const { return _quit; }
@@ -88,6 +101,7 @@ class YrApp {
   Widget _busyDialog = nullptr;
   Cursor _busyCursor = 0;
   std::vector<Widget> _shells;
+  std::vector<std::pair<OuterLoopHook, void*>> _outerLoopHooks;
 };
 
 #endif

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "yr/YrApp.h"
 #include "yr/YrFormat.h"
 
 // Each libdbus watch gets an Xt input of its own while it is enabled, and a
@@ -106,9 +107,26 @@ struct YrMsgClientGlue {
   static DBusHandlerResult messageFunction(DBusConnection*, DBusMessage* message, void* data) {
     if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL)
       return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
-    static_cast<YrMsgClient*>(data)->handleCall(message);
+    static_cast<YrMsgClient*>(data)->receive(message);
     return DBUS_HANDLER_RESULT_HANDLED;
   }
+  // The bus tells a connection by itself when it gets or loses a name
+  // (and only the bus may say so).
+  static DBusHandlerResult busSignal(DBusConnection*, DBusMessage* message, void* data) {
+    auto* client = static_cast<YrMsgClient*>(data);
+    if (!dbus_message_has_sender(message, DBUS_SERVICE_DBUS)) return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+    bool acquired = dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameAcquired");
+    bool lost = dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameLost");
+    const char* name = nullptr;
+    if ((acquired || lost) &&
+        dbus_message_get_args(message, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID) &&
+        client->_busName == name)
+      client->nameChanged(acquired);
+    return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+  }
+  // Makes the outer loop's XtAppProcessEvent() return, so that its hooks
+  // see a request that arrived through a work procedure at once.
+  static void wake(XtPointer, XtIntervalId*) {}
 };
 
 namespace {
@@ -131,6 +149,11 @@ std::string typeName(int type) {
   }
 }
 
+std::string waitingStatus(const std::string& busName) {
+  return YrFormat("%s is owned by another program; this one takes it over when it is free.",
+                  busName.c_str());
+}
+
 }  // namespace
 
 void YrMsgClient::Message::reply(int status) {
@@ -145,15 +168,31 @@ void YrMsgClient::Message::reply(int status) {
   dbus_message_unref(reply);
 }
 
-YrMsgClient::YrMsgClient(XtAppContext context, const char* busName, const char* objectPath,
-                         const char* interface)
-    : _context(context), _interface(interface) {
-  connect(busName, objectPath);
+void YrMsgClient::Message::fail(const char* errorName, const std::string& text) {
+  if (_replied || !_connection) return;
+  _replied = true;
+  if (dbus_message_get_no_reply(_call)) return;
+  DBusMessage* error = dbus_message_new_error(_call, errorName, text.c_str());
+  if (!error) return;
+  dbus_connection_send(_connection, error, nullptr);
+  dbus_message_unref(error);
 }
 
-YrMsgClient::~YrMsgClient() { disconnect(); }
+YrMsgClient::YrMsgClient(XtAppContext context, const char* busName, const char* objectPath,
+                         const char* interface)
+    : _context(context), _busName(busName), _interface(interface) {
+  if (connect(objectPath) && YrApp::theApp()) {
+    YrApp::theApp()->addOuterLoopHook(&YrMsgClient::outerLoop, this);
+    _hooked = true;
+  }
+}
 
-bool YrMsgClient::connect(const char* busName, const char* objectPath) {
+YrMsgClient::~YrMsgClient() {
+  if (_hooked && YrApp::theApp()) YrApp::theApp()->removeOuterLoopHook(&YrMsgClient::outerLoop, this);
+  disconnect();
+}
+
+bool YrMsgClient::connect(const char* objectPath) {
   // libdbus would otherwise launch a bus that outlives the program.
   const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
   if (!address || !*address) {
@@ -169,11 +208,12 @@ bool YrMsgClient::connect(const char* busName, const char* objectPath) {
     return false;
   }
   dbus_connection_set_exit_on_disconnect(connection, FALSE);
-  int owned = dbus_bus_request_name(connection, busName, DBUS_NAME_FLAG_DO_NOT_QUEUE, &error);
-  if (owned != DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
-    _status = dbus_error_is_set(&error)
-                  ? YrFormat("Couldn't own %s (%s).", busName, error.message)
-                  : YrFormat("%s is owned by another program.", busName);
+  dbus_connection_add_filter(connection, &YrMsgClientGlue::busSignal, this, nullptr);
+  // Queued behind the owner, if any: the bus hands the name over when the
+  // owner ends or lets it go, and says so with NameAcquired.
+  int owned = dbus_bus_request_name(connection, _busName.c_str(), 0, &error);
+  if (owned < 0) {
+    _status = YrFormat("Couldn't own %s (%s).", _busName.c_str(), error.message);
     dbus_error_free(&error);
     dbus_connection_close(connection);
     dbus_connection_unref(connection);
@@ -194,21 +234,27 @@ bool YrMsgClient::connect(const char* busName, const char* objectPath) {
   // Calls may already be queued (a request that started the program); they
   // are handled once the event loop runs, when the window is complete.
   _dispatchWork = XtAppAddWorkProc(_context, &YrMsgClientGlue::dispatchWork, this);
-  _status.clear();
+  _ownsName = owned == DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER ||
+              owned == DBUS_REQUEST_NAME_REPLY_ALREADY_OWNER;
+  _status = _ownsName ? "" : waitingStatus(_busName);
   return true;
 }
 
 void YrMsgClient::disconnect() {
   if (_dispatchWork) XtRemoveWorkProc(_dispatchWork);
   _dispatchWork = 0;
+  for (DBusMessage* call : _waiting) dbus_message_unref(call);
+  _waiting.clear();
   if (!_connection) return;
   // Clearing the functions removes every input and timer first.
   dbus_connection_set_watch_functions(_connection, nullptr, nullptr, nullptr, nullptr, nullptr);
   dbus_connection_set_timeout_functions(_connection, nullptr, nullptr, nullptr, nullptr, nullptr);
   dbus_connection_set_dispatch_status_function(_connection, nullptr, nullptr, nullptr);
+  dbus_connection_remove_filter(_connection, &YrMsgClientGlue::busSignal, this);
   dbus_connection_close(_connection);
   dbus_connection_unref(_connection);
   _connection = nullptr;
+  _ownsName = false;
 }
 
 void YrMsgClient::dispatch() {
@@ -217,53 +263,87 @@ void YrMsgClient::dispatch() {
   }
 }
 
+void YrMsgClient::nameChanged(bool owned) {
+  if (owned == _ownsName) return;
+  _ownsName = owned;
+  _status = owned ? "" : waitingStatus(_busName);
+  if (_nameCallback) _nameCallback(_nameClientData, owned);
+}
+
 void YrMsgClient::registerAction(const char* name, Handler handler, void* clientData) {
   _actions[name] = Action{handler, clientData};
 }
 
-void YrMsgClient::handleCall(DBusMessage* call) {
-  const char* interface = dbus_message_get_interface(call);
-  const char* member = dbus_message_get_member(call);
-  auto action = member ? _actions.find(member) : _actions.end();
-  if ((interface && _interface != interface) || action == _actions.end()) {
-    DBusMessage* error = dbus_message_new_error(
-        call, DBUS_ERROR_UNKNOWN_METHOD,
-        YrFormat("No method %s in %s", member ? member : "(none)", _interface.c_str()).c_str());
-    dbus_connection_send(_connection, error, nullptr);
-    dbus_message_unref(error);
-    return;
-  }
+void YrMsgClient::registerDefaultAction(Handler handler, void* clientData) {
+  _defaultAction = Action{handler, clientData};
+}
 
+void YrMsgClient::setNameCallback(NameCallback callback, void* clientData) {
+  _nameCallback = callback;
+  _nameClientData = clientData;
+}
+
+void YrMsgClient::receive(DBusMessage* call) {
+  dbus_message_ref(call);
+  _waiting.push_back(call);
+  // Without an application there is no outer loop to wait for.
+  if (!_hooked)
+    handleWaiting();
+  else
+    XtAppAddTimeOut(_context, 0, &YrMsgClientGlue::wake, nullptr);
+}
+
+void YrMsgClient::outerLoop(void* clientData) {
+  static_cast<YrMsgClient*>(clientData)->handleWaiting();
+}
+
+void YrMsgClient::handleWaiting() {
+  // A request's handler may ask a question; requests arriving meanwhile
+  // join the queue and are handled after it, in order.
+  if (_handling) return;
+  _handling = true;
+  while (!_waiting.empty()) {
+    DBusMessage* call = _waiting.front();
+    _waiting.pop_front();
+    handle(call);
+    dbus_message_unref(call);
+  }
+  _handling = false;
+}
+
+void YrMsgClient::handle(DBusMessage* call) {
   Message message;
   message._connection = _connection;
   message._call = call;
-  message._name = member;
+  const char* interface = dbus_message_get_interface(call);
+  const char* member = dbus_message_get_member(call);
+  message._name = member ? member : "";
+  if (interface && _interface != interface) {
+    message.fail(DBUS_ERROR_UNKNOWN_METHOD,
+                 YrFormat("No method %s in %s", message._name.c_str(), interface));
+    return;
+  }
   DBusMessageIter iter;
   if (dbus_message_iter_init(call, &iter)) {
     do {
       int type = dbus_message_iter_get_arg_type(&iter);
-      std::string value;
+      const char* value = nullptr;
       if (type == DBUS_TYPE_STRING) {
-        const char* text = nullptr;
-        dbus_message_iter_get_basic(&iter, &text);
-        value = text ? text : "";
+        dbus_message_iter_get_basic(&iter, &value);
+        if (value && !*value) value = nullptr;
       }
-      message._values.push_back(value);
-      message._args.push_back(Arg{typeName(type), nullptr});
+      message._args.push_back(Arg{typeName(type), value});
     } while (dbus_message_iter_next(&iter));
   }
-  for (size_t i = 0; i < message._args.size(); ++i)
-    if (message._args[i].type == "string" && !message._values[i].empty())
-      message._args[i].value = message._values[i].c_str();
 
-  int handled = action->second.handler(action->second.clientData, Request, &message, member,
-                                       static_cast<int>(message._args.size()),
-                                       message._args.data());
-  if (!handled && !message.replied() && !dbus_message_get_no_reply(call)) {
-    DBusMessage* error = dbus_message_new_error(
-        call, DBUS_ERROR_INVALID_ARGS,
-        YrFormat("Unexpected or invalid message format for %s", member).c_str());
-    dbus_connection_send(_connection, error, nullptr);
-    dbus_message_unref(error);
-  }
+  auto found = _actions.find(message._name);
+  bool known = found != _actions.end();
+  const Action& action = known ? found->second : _defaultAction;
+  if (action.handler)
+    action.handler(action.clientData, Request, &message, message._name.c_str(),
+                   static_cast<int>(message._args.size()), message._args.data());
+  // Nobody is left waiting for an answer.
+  if (!message.replied())
+    message.fail(known ? DBUS_ERROR_INVALID_ARGS : DBUS_ERROR_UNKNOWN_METHOD,
+                 YrFormat("Unexpected or invalid message format for %s", message._name.c_str()));
 }

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 
+#include "util/ChildProcess.h"
 #include "yr/YrFormat.h"
 
 YrProgram::YrProgram(XtAppContext context) : _context(context) {
@@ -72,23 +73,21 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
   for (std::string& w : words) argv.push_back(&w[0]);
   argv.push_back(nullptr);
 
-  int out[2], err[2], status[2];
-  if (pipe(out) < 0) return fail(YrFormat("Couldn't start %s (%s)", argv[0], strerror(errno)));
-  if (pipe(err) < 0 || pipe2(status, O_CLOEXEC) < 0) {
+  // Our ends never reach another child (a second build running beside this
+  // one would otherwise hold this one's output open).
+  int out[2] = {-1, -1}, err[2] = {-1, -1}, status[2] = {-1, -1};
+  if (pipe2(out, O_CLOEXEC) < 0 || pipe2(err, O_CLOEXEC) < 0 || pipe2(status, O_CLOEXEC) < 0) {
     int e = errno;
-    close(out[0]);
-    close(out[1]);
+    for (int fd : {out[0], out[1], err[0], err[1]})
+      if (fd >= 0) close(fd);
     return fail(YrFormat("Couldn't start %s (%s)", argv[0], strerror(e)));
   }
   pid_t pid = fork();
   if (pid == 0) {
+    // dup2 leaves the copies open across exec; everything else goes.
     dup2(out[1], 1);
     dup2(err[1], 2);
-    close(out[0]);
-    close(out[1]);
-    close(err[0]);
-    close(err[1]);
-    close(status[0]);
+    keepOnlyStandardDescriptors();
     execvp(argv[0], argv.data());
     // Tell the parent why; the pipe closes on a successful exec instead.
     int e = errno;

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <dirent.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -118,6 +121,36 @@ TEST(YrProgramTest, ReportsSignalsAndRefusesWhatCannotRun) {
   EXPECT_FALSE(program.start("/nonexistent/forgeset -all", &error));
   EXPECT_EQ("Couldn't start /nonexistent/forgeset (No such file or directory)", error);
   EXPECT_FALSE(program.running());
+}
+
+// The descriptors a running child holds, by number.
+std::vector<std::string> openDescriptors(pid_t pid) {
+  std::vector<std::string> fds;
+  std::string dir = "/proc/" + std::to_string(pid) + "/fd";
+  if (DIR* d = opendir(dir.c_str())) {
+    while (dirent* e = readdir(d))
+      if (e->d_name[0] != '.') fds.push_back(e->d_name);
+    closedir(d);
+  }
+  std::sort(fds.begin(), fds.end());
+  return fds;
+}
+
+TEST(YrProgramTest, ChildrenInheritOnlyStandardDescriptors) {
+  // A descriptor of the program without close-on-exec, and a build already
+  // running whose output pipes are open in the program.
+  int leaked[2];
+  ASSERT_EQ(0, pipe(leaked));
+  YrProgram first(UiTestApp::context()), second(UiTestApp::context());
+  std::string error;
+  ASSERT_TRUE(first.start("sleep 30", &error)) << error;
+  ASSERT_TRUE(second.start("sleep 30", &error)) << error;
+  // start() returns once the child has executed the program.
+  std::vector<std::string> standard = {"0", "1", "2"};
+  EXPECT_EQ(standard, openDescriptors(first.pid()));
+  EXPECT_EQ(standard, openDescriptors(second.pid()));
+  close(leaked[0]);
+  close(leaked[1]);
 }
 
 TEST(YrFormatTest, FormatsTextsLongerThanAnyFixedBuffer) {
