@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -123,8 +124,18 @@ TEST(YrProgramTest, ReportsSignalsAndRefusesWhatCannotRun) {
   EXPECT_FALSE(program.running());
 }
 
-// The descriptors a running child holds, by number.
+// The descriptors a running child holds, by number, once it has gone to
+// sleep: right after exec the dynamic loader still opens its libraries.
 std::vector<std::string> openDescriptors(pid_t pid) {
+  std::string stat = "/proc/" + std::to_string(pid) + "/stat";
+  for (int tries = 0; tries < 500; ++tries) {
+    std::ifstream in(stat);
+    std::string line;
+    std::getline(in, line);
+    std::size_t close = line.rfind(')');
+    if (close != std::string::npos && line.compare(close, 3, ") S") == 0) break;
+    usleep(10000);
+  }
   std::vector<std::string> fds;
   std::string dir = "/proc/" + std::to_string(pid) + "/fd";
   if (DIR* d = opendir(dir.c_str())) {
