@@ -2,8 +2,6 @@
 // makes before building, for packaging scripts.  Prints one line per problem
 // and a summary; exit 0 when clean, 1 when something was reported, 2 when
 // the input cannot be read.
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,11 +11,8 @@
 #include <vector>
 
 #include "cli/Subcommands.h"
-#include "filelist/InstallCheck.h"
-#include "idb/Idb.h"
-#include "spec/SpecGraphModel.h"
+#include "pkg/BuildInput.h"
 #include "util/Reporter.h"
-#include "util/Utils.h"
 
 namespace {
 
@@ -50,31 +45,6 @@ bool parse(int argc, char** argv, Arguments* args) {
   return haveIdb;
 }
 
-// The source root as the program takes it: the option, else "SBASE", else
-// the current directory.
-std::optional<std::string> sourceRoot(const Arguments& args) {
-  const char* sbase = std::getenv("SBASE");
-  const std::string root = normalize(args.sbase ? *args.sbase : sbase ? sbase : "");
-  struct stat st;
-  if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
-    std::fprintf(stderr, "tamblin-cli check: Source Root '%s' is not a directory.\n", root.c_str());
-    return std::nullopt;
-  }
-  return root;
-}
-
-// The subsystems of the spec file with their mappings; nothing when the file
-// cannot be read whole (the reader's messages go to standard error).
-std::optional<std::vector<InstallCheck::Subsystem>> readSubsystems(const std::string& spec) {
-  StreamReporter reporter(stderr);
-  SpecGraphModel graph(&reporter);
-  if (!graph.open(spec) || !graph.lastReadReport().clean()) return std::nullopt;
-  std::vector<InstallCheck::Subsystem> subsystems;
-  for (const SpecNode* node : graph.nodes())
-    if (node->level() == 3) subsystems.push_back({node->getTag(), node->mapping()});
-  return subsystems;
-}
-
 }  // namespace
 
 int checkCommand(int argc, char** argv) {
@@ -83,19 +53,18 @@ int checkCommand(int argc, char** argv) {
     std::fputs(kUsage, stderr);
     return 2;
   }
-  std::optional<std::string> root = sourceRoot(args);
-  if (!root) return 2;
-  Idb idb;
-  if (std::optional<std::string> message = idb.open(args.idb)) {
+  StreamReporter reporter(stderr);
+  BuildInput input(&reporter);
+  if (std::optional<std::string> message = input.setSourceRoot(args.sbase.value_or(""))) {
+    std::fprintf(stderr, "tamblin-cli check: %s\n", message->c_str());
+    return 2;
+  }
+  if (std::optional<std::string> message = input.loadIdb(args.idb)) {
     std::fprintf(stderr, "%s\n", message->c_str());
     return 2;
   }
-  InstallCheck check(idb, *root);
-  if (args.spec) {
-    std::optional<std::vector<InstallCheck::Subsystem>> subsystems = readSubsystems(*args.spec);
-    if (!subsystems) return 2;
-    check.setSubsystems(std::move(*subsystems));
-  }
+  if (args.spec && !input.loadSpec(*args.spec)) return 2;
+  InstallCheck check = input.installCheck();
   const std::vector<std::string> findings = check.run();
   for (const std::string& line : findings) std::printf("%s\n", line.c_str());
   std::printf("%s\n", check.summary().c_str());

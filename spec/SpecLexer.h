@@ -37,6 +37,8 @@ int popinput();
 void specLexerBegin(Reporter* reporter, const std::string& fileName);
 /// Ends a read, leaving every file still open.
 void specLexerEnd();
+/// The file being read (an include while one is open), as messages name it.
+const std::string& specLexerFile();
 /// Errors reported and includes refused since specLexerBegin.
 int specLexerErrors();
 int specLexerIncludeFailures();
