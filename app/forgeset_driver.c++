@@ -7,14 +7,15 @@
 // "ready".  Every 100 ms it writes what a person sees into OUTDIR: log.txt
 // (the message log), state.txt ("view N", "selected P..." of the file list,
 // "node TAG" selected in the hierarchy) and, once, problem.txt (where the
-// first "FILE:LINE:" line of the log is drawn: "X Y", after scrolling the log
-// to it).
+// "FILE:LINE:" lines of the log are drawn, "X Y" each, after scrolling the
+// log to the first).
 #include <Xm/Text.h>
 #include <Xm/Xm.h>
 
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "app/IdbDocument.h"
 #include "app/MainWindow.h"
@@ -59,22 +60,29 @@ void report(XtPointer clientData, XtIntervalId*) {
   const SpecNode* node = d->view->specGraph()->model().selected();
   state += "\nnode " + (node ? node->getTag() : std::string("-")) + "\n";
   writeFile(d->out + "/state.txt", state);
-  size_t start = 0;
-  while (!d->located && start < log.size()) {
+  // Once a problem line is there: scroll to the first and tell where every
+  // problem line now showing is drawn.
+  std::vector<size_t> starts;
+  for (size_t start = 0; !d->located && start < log.size();) {
     size_t end = log.find('\n', start);
     if (end == std::string::npos) end = log.size();
-    if (ProblemLocation::parse(log.substr(start, end - start))) {
-      Widget text = d->view->messageText();
-      XmTextShowPosition(text, static_cast<XmTextPosition>(start));
-      Position x = 0, y = 0, rootX = 0, rootY = 0;
-      if (XmTextPosToXY(text, static_cast<XmTextPosition>(start + 3), &x, &y)) {
-        XtTranslateCoords(text, x, static_cast<Position>(y - 3), &rootX, &rootY);
-        writeFile(d->out + "/problem.txt", std::to_string(rootX) + " " + std::to_string(rootY) + "\n");
-        d->located = true;
-      }
-      break;
-    }
+    if (ProblemLocation::parse(log.substr(start, end - start))) starts.push_back(start);
     start = end + 1;
+  }
+  if (!starts.empty()) {
+    Widget text = d->view->messageText();
+    XmTextShowPosition(text, static_cast<XmTextPosition>(starts[0]));
+    std::string where;
+    for (size_t start : starts) {
+      Position x = 0, y = 0, rootX = 0, rootY = 0;
+      if (!XmTextPosToXY(text, static_cast<XmTextPosition>(start + 3), &x, &y)) continue;
+      XtTranslateCoords(text, x, static_cast<Position>(y - 3), &rootX, &rootY);
+      where += std::to_string(rootX) + " " + std::to_string(rootY) + "\n";
+    }
+    if (!where.empty()) {
+      writeFile(d->out + "/problem.txt", where);
+      d->located = true;
+    }
   }
   XtAppAddTimeOut(d->context, 100, report, d);
 }

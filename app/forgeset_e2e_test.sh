@@ -42,26 +42,33 @@ shot() { import -window root "$out/$1.png" 2>/dev/null; }
 click $(where tab)
 click $(where dryrun)
 problem="$work/project/hello.idb:8: tag not mapped by any subsystem: hello.man.unknown"
-poll 30 logged "$problem" || fail "Test Build did not report the missing file: $(cat "$work/log.txt")"
-poll 30 logged "Done." || fail "no Done. after Test Build"
+poll 60 logged "$problem" || fail "Test Build did not report the missing file: $(cat "$work/log.txt")"
+poll 60 logged "Done." || fail "no Done. after Test Build"
 shot testbuild
 [ -e "$work/dist/Packages" ] && fail "Test Build wrote packages"
 
 # The double click on the problem's line shows the record to fix.
 poll 10 test -s "$work/problem.txt" || fail "no problem line drawn"
-xdotool mousemove --sync $(cat "$work/problem.txt") click --repeat 2 --delay 80 1
+xdotool mousemove --sync $(sed -n 1p "$work/problem.txt") click --repeat 2 --delay 80 1
 shown() { grep -qx 'view 1' "$work/state.txt" && grep -qx 'selected 7' "$work/state.txt"; }
 poll 10 shown || fail "double click: $(cat "$work/state.txt")"
 shot doubleclick
+# The next line names the spec's subsystem that is left without files.
+grep -qxF "$work/project/hello.spec:36: subsystem without files: hello.man.pages" "$work/log.txt" ||
+  fail "no spec problem line"
+xdotool mousemove --sync $(sed -n 2p "$work/problem.txt") click --repeat 2 --delay 80 1
+node() { grep -qx 'view 0' "$work/state.txt" && grep -qx 'node hello.man.pages' "$work/state.txt"; }
+poll 10 node || fail "double click on the spec line: $(cat "$work/state.txt")"
+shot specnode
 
 cp "$example/hello.idb" project/hello.idb
 click $(where tab)
 click $(where dryrun)
-poll 30 logged "forgeset: check clean: 5 packages from 7 records" || fail "second Test Build not clean"
-poll 30 test "$(logs Done.)" = 2 || fail "no Done. after the second Test Build"
+poll 60 logged "forgeset: check clean: 5 packages from 7 records" || fail "second Test Build not clean"
+poll 60 test "$(logs Done.)" = 2 || fail "no Done. after the second Test Build"
 click $(where all)
 poll 60 logged "forgeset: built 5 packages in $work/dist" || fail "Build All: $(tail -n 5 "$work/log.txt")"
-poll 30 test "$(logs Done.)" = 3 || fail "no Done. after Build All"
+poll 60 test "$(logs Done.)" = 3 || fail "no Done. after Build All: $(tail -n 4 "$work/log.txt")"
 shot buildall
 for deb in hello_1.2_all hello.sw.base_1.2_amd64 hello.sw.lib_1.2_amd64 hello.sw.extras_1.2_all \
     hello.man.pages_1.2_all; do
