@@ -3,7 +3,6 @@
 #include <nettle/md5.h>
 #include <nettle/sha2.h>
 #include <sys/stat.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cstring>
@@ -16,30 +15,6 @@
 #include "util/AtomicFile.h"
 
 namespace {
-
-std::string hex(const std::uint8_t* d, size_t n) {
-  static const char kHex[] = "0123456789abcdef";
-  std::string out;
-  for (size_t i = 0; i < n; i++) {
-    out += kHex[d[i] >> 4];
-    out += kHex[d[i] & 15];
-  }
-  return out;
-}
-
-std::string gzipped(const std::string& text) {
-  z_stream z{};
-  deflateInit2(&z, 9, Z_DEFLATED, 31, 9, Z_DEFAULT_STRATEGY);
-  std::string out(deflateBound(&z, text.size()) + 32, '\0');
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  z.avail_in = static_cast<uInt>(text.size());
-  z.next_out = reinterpret_cast<Bytef*>(&out[0]);
-  z.avail_out = static_cast<uInt>(out.size());
-  deflate(&z, Z_FINISH);
-  out.resize(z.total_out);
-  deflateEnd(&z);
-  return out;
-}
 
 std::string field(const std::string& paragraph, const std::string& name) {
   std::istringstream in(paragraph);
@@ -110,7 +85,7 @@ std::optional<std::string> AptRepository::write(const std::string& dist,
   std::sort(sorted.begin(), sorted.end());
   std::string packages;
   for (const auto& [key, para] : sorted) packages += (packages.empty() ? "" : "\n") + para;
-  const std::string gz = gzipped(packages);
+  const std::string gz = DebWriter::gzip(packages);
 
   std::string release = "Origin: forgeset\nLabel: forgeset\nDate: " + rfc2822(date) +
                         "\nArchitectures:";
@@ -124,7 +99,7 @@ std::optional<std::string> AptRepository::write(const std::string& dist,
     md5_update(&c, bytes->size(), reinterpret_cast<const std::uint8_t*>(bytes->data()));
     std::uint8_t d[MD5_DIGEST_SIZE];
     md5_digest(&c, sizeof d, d);
-    release += " " + hex(d, sizeof d) + " " + std::to_string(bytes->size()) + " " + name + "\n";
+    release += " " + DebWriter::hex(d, sizeof d) + " " + std::to_string(bytes->size()) + " " + name + "\n";
   }
   release += "SHA256:\n";
   for (const auto& [name, bytes] : files) {
@@ -133,7 +108,7 @@ std::optional<std::string> AptRepository::write(const std::string& dist,
     sha256_update(&c, bytes->size(), reinterpret_cast<const std::uint8_t*>(bytes->data()));
     std::uint8_t d[SHA256_DIGEST_SIZE];
     sha256_digest(&c, sizeof d, d);
-    release += " " + hex(d, sizeof d) + " " + std::to_string(bytes->size()) + " " + name + "\n";
+    release += " " + DebWriter::hex(d, sizeof d) + " " + std::to_string(bytes->size()) + " " + name + "\n";
   }
   if (auto why = save(dist + "/Packages", packages)) return why;
   if (auto why = save(dist + "/Packages.gz", gz)) return why;

@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -24,16 +25,6 @@
 #include "pkg/PackagePlan.h"
 
 namespace {
-
-std::string hex(const std::uint8_t* digest, size_t n) {
-  static const char kHex[] = "0123456789abcdef";
-  std::string out;
-  for (size_t i = 0; i < n; i++) {
-    out += kHex[digest[i] >> 4];
-    out += kHex[digest[i] & 15];
-  }
-  return out;
-}
 
 // Owner and group names go into the archive as written; the numbers beside
 // them are this machine's where it knows the name (dpkg prefers the names).
@@ -351,7 +342,7 @@ class DataWriter {
   void finishFile(md5_ctx& md5, const PlannedFile& f, std::uint64_t size) {
     std::uint8_t digest[MD5_DIGEST_SIZE];
     md5_digest(&md5, sizeof digest, digest);
-    _md5sums += hex(digest, sizeof digest) + "  " + f.path.substr(2) + "\n";
+    _md5sums += DebWriter::hex(digest, sizeof digest) + "  " + f.path.substr(2) + "\n";
     _kib += (size + 1023) / 1024;
   }
 
@@ -421,6 +412,30 @@ std::vector<std::string> DebWriter::sharedLibraryDepends(const std::vector<std::
   ::rmdir((dir + "/debian").c_str());
   ::rmdir(dir.c_str());
   return depends;
+}
+
+std::string DebWriter::hex(const std::uint8_t* bytes, size_t n) {
+  static const char kHex[] = "0123456789abcdef";
+  std::string out;
+  for (size_t i = 0; i < n; i++) {
+    out += kHex[bytes[i] >> 4];
+    out += kHex[bytes[i] & 15];
+  }
+  return out;
+}
+
+std::string DebWriter::gzip(const std::string& text) {
+  z_stream z{};
+  deflateInit2(&z, 9, Z_DEFLATED, 31, 9, Z_DEFAULT_STRATEGY);
+  std::string out(deflateBound(&z, text.size()) + 32, '\0');
+  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  z.avail_in = static_cast<uInt>(text.size());
+  z.next_out = reinterpret_cast<Bytef*>(&out[0]);
+  z.avail_out = static_cast<uInt>(out.size());
+  deflate(&z, Z_FINISH);
+  out.resize(z.total_out);
+  deflateEnd(&z);
+  return out;
 }
 
 std::time_t DebWriter::buildTime() {
@@ -615,8 +630,8 @@ std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::
   std::uint8_t md5[MD5_DIGEST_SIZE], sha[SHA256_DIGEST_SIZE];
   md5_digest(&out.md5, sizeof md5, md5);
   sha256_digest(&out.sha, sizeof sha, sha);
-  result->md5 = hex(md5, sizeof md5);
-  result->sha256 = hex(sha, sizeof sha);
+  result->md5 = DebWriter::hex(md5, sizeof md5);
+  result->sha256 = DebWriter::hex(sha, sizeof sha);
   result->size = out.size;
   return std::nullopt;
 }

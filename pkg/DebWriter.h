@@ -59,6 +59,11 @@ class DebWriter {
   static std::string buildArchitecture();
   /// The build time: SOURCE_DATE_EPOCH when set, else now.
   static std::time_t buildTime();
+  /// text gzip-compressed at the best level, with no name and no time in
+  /// the header (the same text gives the same bytes).
+  static std::string gzip(const std::string& text);
+  /// Lower-case hexadecimal of n bytes.
+  static std::string hex(const std::uint8_t* bytes, size_t n);
 
   /// What an ELF file is, from its header: 0 not ELF (or unreadable), 1 an
   /// executable (with an interpreter, PIE included), 2 a shared object, 3

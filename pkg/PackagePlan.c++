@@ -3,7 +3,6 @@
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cstring>
@@ -16,6 +15,7 @@
 #include "idb/Idb.h"
 #include "pkg/BuildInput.h"
 #include "pkg/DebName.h"
+#include "pkg/DebWriter.h"
 #include "spec/SpecGraphModel.h"
 #include "spec/SpecMapping.h"
 #include "spec/SpecRules.h"
@@ -55,28 +55,6 @@ bool hasDotDot(std::string_view path) {
     start = end + 1;
   }
   return false;
-}
-
-std::string gzipped(const std::string& text) {
-  z_stream z{};
-  // Best compression, no name and no time in the header: the same text
-  // gives the same bytes.
-  deflateInit2(&z, 9, Z_DEFLATED, 31, 9, Z_DEFAULT_STRATEGY);
-  std::string out(deflateBound(&z, text.size()) + 32, '\0');
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  z.avail_in = static_cast<uInt>(text.size());
-  z.next_out = reinterpret_cast<Bytef*>(&out[0]);
-  z.avail_out = static_cast<uInt>(out.size());
-  deflate(&z, Z_FINISH);
-  out.resize(z.total_out);
-  deflateEnd(&z);
-  return out;
-}
-
-// The build's time: SOURCE_DATE_EPOCH when set, so that builds repeat.
-std::time_t buildTime() {
-  if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH")) return std::strtoll(epoch, nullptr, 10);
-  return std::time(nullptr);
 }
 
 std::string rfc2822(std::time_t t) {
@@ -255,7 +233,7 @@ void PackagePlan::assignRecords() {
                          "Subsystem " + s->tag + "."};
     for (int i : s->records) planRecord(i, p);
     planRelations(*s, p);
-    finish(p, s->records);
+    finish(p);
     _packages.push_back(std::move(p));
   }
 }
@@ -437,18 +415,17 @@ void PackagePlan::planRelations(Subsystem& s, PlannedPackage& package) {
 
 // Documentation every package carries, the parent directories of its files,
 // its scripts, and the order the archive wants.
-void PackagePlan::finish(PlannedPackage& p, const std::vector<int>& records) {
-  (void)records;
+void PackagePlan::finish(PlannedPackage& p) {
   const std::string doc = "./usr/share/doc/" + p.name + "/";
   std::string changelog = p.name + " (" + p.version + ") unstable; urgency=medium\n\n" +
                           "  * Built by forgeset from " + mypathbasename(_input.specFile()) +
                           " and " + mypathbasename(_input.idbFile()) + ".\n\n -- " + _options.maintainer + "  " +
-                          rfc2822(buildTime()) + "\n";
+                          rfc2822(DebWriter::buildTime()) + "\n";
   PlannedFile log;
   log.path = doc + "changelog.gz";
   log.mode = 0644;
   log.owner = log.group = "root";
-  log.content = gzipped(changelog);
+  log.content = DebWriter::gzip(changelog);
   log.size = log.content.size();
   log.generated = true;
   p.files.push_back(std::move(log));
@@ -517,7 +494,7 @@ void PackagePlan::planProducts() {
       else
         p.suggests.push_back(sub.name);
     }
-    finish(p, {});
+    finish(p);
     _packages.push_back(std::move(p));
   }
 }

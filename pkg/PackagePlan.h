@@ -109,7 +109,7 @@ class PackagePlan {
   void planRecord(int i, PlannedPackage& package);
   void planRelations(Subsystem& s, PlannedPackage& package);
   void planProducts();
-  void finish(PlannedPackage& package, const std::vector<int>& records);
+  void finish(PlannedPackage& package);
   std::string resolve(const Subsystem& s, const std::string& name, bool* known) const;
   void problem(const std::string& where, const std::string& message);
   void warning(const std::string& where, const std::string& message);

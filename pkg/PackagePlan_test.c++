@@ -153,6 +153,24 @@ TEST_F(PackagePlanTest, FilesAndScripts) {
   EXPECT_EQ("", package("pq.sw.lib")->preinst);
 }
 
+// A product that ships a copyright file gives every package a copy where
+// Debian looks for it.
+TEST_F(PackagePlanTest, CopyrightGoesToEveryPackage) {
+  dir.write("tree/COPYING", "GPL");
+  PackagePlan& p = plan(std::string(kGoodIdb) +
+                        "f 0644 root sys usr/share/doc/pq/copyright COPYING pq.sw.lib\n");
+  EXPECT_EQ(Lines{}, p.problems());
+  for (const char* name : {"pq", "pq.sw.base", "pq.sw.lib", "pq.sw.opt", "pq.sw.old"}) {
+    const PlannedPackage* package = this->package(name);
+    ASSERT_NE(nullptr, package) << name;
+    const std::string path = std::string("./usr/share/doc/") + name + "/copyright";
+    bool found = false;
+    for (const PlannedFile& f : package->files)
+      if (f.path == path) found = f.source == dir.file("tree/COPYING") && f.size == 3;
+    EXPECT_TRUE(found) << name;
+  }
+}
+
 TEST_F(PackagePlanTest, NamesDebianRefusesOrShares) {
   PackagePlan& p = plan("f 0644 root sys a opt x.sw.a\nf 0644 root sys b opt x.sw.A\n",
                         "product x id X image sw id S version 1\n"
