@@ -26,6 +26,20 @@ has "  Conflicts: oldhello.sw.extras (<< 1.2)" dryrun.txt
 has "forgeset: check clean: 5 packages from 7 records" dryrun.txt
 [ -e dist ] && fail "-dryrun wrote $(ls dist)"
 
+# Exit status: 1 for problems (each FILE:LINE), 2 for usage or unreadable input.
+sed 's/hello\.sw\.extras mach/hello.sw.gone mach/' hello.idb >bad.idb
+"$forgeset" -sbase tree -idb bad.idb -spec hello.spec -dryrun >bad.txt 2>&1
+[ $? = 1 ] || fail "problems: exit not 1"
+has "bad.idb:7: tag not mapped by any subsystem: hello.sw.gone" bad.txt
+"$forgeset" -sbase tree -idb none.idb -spec hello.spec -dryrun >none.txt 2>&1
+[ $? = 2 ] || fail "unreadable idb: exit not 2"
+has "forgeset: Couldn't open idb 'none.idb' (No such file or directory)." none.txt
+"$forgeset" -idb hello.idb -spec hello.spec >usage.txt 2>&1
+[ $? = 2 ] || fail "usage: exit not 2"
+has "forgeset: give -all or -dryrun" usage.txt
+"$forgeset" -help >help.txt 2>&1 || fail "-help exit $?"
+grep -q '^usage: forgeset ' help.txt || fail "-help: $(cat help.txt)"
+
 # Build.
 run -dist dist -all >all.txt 2>&1 || fail "-all exit $?: $(cat all.txt)"
 has "wrote $work/dist/hello.sw.base_1.2_$(dpkg --print-architecture).deb (3 files, $(stat -c %s dist/hello.sw.base_*.deb) bytes)" all.txt
