@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -60,7 +61,15 @@ using Entry = std::unique_ptr<archive_entry, EntryDeleter>;
 Archive newTar(bool compress) {
   Archive a(archive_write_new());
   archive_write_set_format_gnutar(a.get());
-  if (compress) archive_write_add_filter_xz(a.get());
+  if (compress) {
+    archive_write_add_filter_xz(a.get());
+    // As dpkg-deb does: xz on every core.  Always the multi-threaded
+    // encoder (at least two threads), whose output depends on the block
+    // size only, so that machines with any number of cores write the same
+    // bytes.
+    const unsigned cores = std::max(2u, std::thread::hardware_concurrency());
+    archive_write_set_filter_option(a.get(), "xz", "threads", std::to_string(cores).c_str());
+  }
   archive_write_set_bytes_in_last_block(a.get(), 1);
   return a;
 }
