@@ -12,7 +12,10 @@
 // (the same words the install check reads).  A word matches a tag that is
 // equal to it, or, when it holds "*", "?" or "[", that it matches as a shell
 // pattern (fnmatch).  So "exp p.sw.base" takes the records tagged p.sw.base,
-// and "exp p.sw.* & !p.sw.doc" every p.sw tag but one.
+// and "exp p.sw.* & !p.sw.doc" every p.sw tag but one.  (The spec lexer
+// returns "(" and ")" as tokens of their own, which its grammar allows only
+// after prereq: a grouped expression comes from the program's Mapping field,
+// not from a spec file.)
 #ifndef TAMBLIN_SPEC_SPECMAPPING_H
 #define TAMBLIN_SPEC_SPECMAPPING_H
 
