@@ -81,10 +81,12 @@ mkdir again && (cd again && cp ../hello.idb ../hello.spec . && ln -s ../tree tre
 for f in dist/*.deb dist/Packages dist/Release; do
   cmp -s "$f" "dist2/$(basename "$f")" || fail "$f differs between two builds"
 done
-run -dist plain -nocompress -all >/dev/null || fail "-nocompress"
+run -dist plain -nocompress -nostrip -all >/dev/null || fail "-nocompress -nostrip"
 ar t plain/hello.sw.base_1.2_amd64.deb >members.txt
 has "data.tar" members.txt
 has "control.tar" members.txt
+dpkg-deb -x plain/hello.sw.base_1.2_amd64.deb plainx
+file plainx/usr/bin/hello | grep -q 'not stripped' || fail "-nostrip stripped: $(file plainx/usr/bin/hello)"
 
 # Install into a scratch root: files, modes, owners, links, conffiles, scripts in order.
 root=$work/root
