@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "app/IdbDocument.h"
+#include "app/LogJump.h"
 #include "app/MessageLog.h"
 #include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
@@ -100,9 +101,11 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtD
   colourMessageLog();
   _fileListPanel->model().initSourceRoot();
   _fileListPanel->model().initDestRoot();
+  _logJump = std::make_unique<LogJump>(this, _messageText, _fileListPanel, _specGraph);
 }
 
 View::~View() {
+  _logJump.reset();  // before its widget goes
   // The whole tree at once (the tabs still show the pictures); the panels
   // then only forget their widgets.
   if (_baseWidget) XtDestroyWidget(_baseWidget);

@@ -26,6 +26,7 @@ class FileListPerms;
 class Generate;
 class FileList;
 class IdbDocument;
+class LogJump;
 class MessageLog;
 class SpecDetail;
 class SpecGraph;
@@ -117,6 +118,8 @@ class View : public ViewUI {
   /// The body raised for view (left side), for tests and tools.
   Widget leftBody(int view) const;
   Widget messageText() const { return _messageText; }
+  /// What a double click on a "FILE:LINE:" line of the log shows.
+  LogJump* logJump() const { return _logJump.get(); }
 
   /// Replaces the compiled-in tab images (null: back to them) for views
   /// made afterwards; lets tests see what a broken image does.
@@ -156,6 +159,7 @@ class View : public ViewUI {
   Generate* _buildPanel = nullptr;
   FileListModel* _fileList = nullptr;
   std::string _browsingDirectory;
+  std::unique_ptr<LogJump> _logJump;
 };
 
 #endif

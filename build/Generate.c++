@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "build/BuildCommand.h"
+#include "build/DistDirCheck.h"
 #include "filelist/FileListModel.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecGraphModel.h"
@@ -109,29 +110,9 @@ bool Generate::checkDistDir(const std::string& dist) {
   std::string idbName = _fileList ? _fileList->idbFileName() : std::string();
   if (idbName.empty())
     idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
-  if (samePath(dist, mypathdirname(normalize(idbName)))) {
-    _reporter.error(YrFormat(
-        "Illegal Distribution Directory.  The build operation creates\n"
-        "a binary version of the idb file in the distribution directory.\n"
-        "Pick another directory to avoid overwriting '%s'.",
-        idbName.c_str()));
+  if (std::optional<std::string> message = ::checkDistDir(DistDirUse::Build, idbName, dist)) {
+    _reporter.error(*message);
     return false;
-  }
-  struct stat st;
-  if (stat(dist.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
-    if (mkdir(dist.c_str(), 0777) != 0) {
-      const char* why = std::strerror(errno);
-      _reporter.error(YrFormat(
-          "Distrubution Directory '%s' does not exist. An attempt to\n"
-          "create yielded '%s'.\n"
-          "Enter the following in a shell window,\n"
-          "and try again:\n"
-          "su\n"
-          "mkdir -p %s\n"
-          "chmod 777 %s",
-          dist.c_str(), why, dist.c_str(), dist.c_str()));
-      return false;
-    }
   }
   return true;
 }

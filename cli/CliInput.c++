@@ -36,10 +36,15 @@ class StdoutToStderr {
 }  // namespace
 
 std::optional<int> loadSpec(SpecGraphModel& graph, const std::string& path) {
+  return loadSpec(graph, path, [&graph, &path]() { return graph.open(path); });
+}
+
+std::optional<int> loadSpec(const SpecGraphModel& graph, const std::string& path,
+                            const std::function<bool()>& open) {
   bool opened;
   {
     StdoutToStderr redirect;
-    opened = graph.open(path);
+    opened = open();
   }
   const SpecReadReport& report = graph.lastReadReport();
   if (opened && report.clean()) return std::nullopt;

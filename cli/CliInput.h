@@ -4,6 +4,7 @@
 #ifndef TAMBLIN_CLI_CLIINPUT_H
 #define TAMBLIN_CLI_CLIINPUT_H
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,10 @@ class SpecGraphModel;
 /// without error; else kCliBad for errors in what was read, kCliTrouble
 /// when the file or one of its includes cannot be read.
 std::optional<int> loadSpec(SpecGraphModel& graph, const std::string& path);
+/// The same for a spec that open reads into graph (a model owned elsewhere):
+/// open returns whether the model took the file.
+std::optional<int> loadSpec(const SpecGraphModel& graph, const std::string& path,
+                            const std::function<bool()>& open);
 /// Opens the idb file path into db; the message goes to standard error.
 /// Empty on success; else kCliBad for a bad line, kCliTrouble when the
 /// file cannot be read.

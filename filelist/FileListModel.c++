@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "build/DistDirCheck.h"
 #include "filelist/AddFilesPartner.h"
 #include "filelist/AttrsPartner.h"
 #include "filelist/BuildPartner.h"
@@ -440,13 +441,9 @@ bool FileListModel::save(const char* file) {
   std::string target = file ? file : _idb->name();
   if (target.empty() && !askFileName("Save Idb", true, &target)) return false;
   if (_buildPanel) {
-    const std::string dist = _buildPanel->getDistDir();
-    if (!dist.empty() && samePath(mypathdirname(target), dist)) {
-      _reporter.error(
-          "Save target directory matches Distribution Directory.\n"
-          "The build operation creates a binary version of the idb file in\n"
-          "the distribution directory.  Pick another directory to save your\n"
-          "ascii files into.");
+    if (std::optional<std::string> message =
+            checkDistDir(DistDirUse::Save, target, _buildPanel->getDistDir())) {
+      _reporter.error(*message);
       return false;
     }
   }

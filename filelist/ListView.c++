@@ -1,5 +1,7 @@
 #include "filelist/ListView.h"
 
+#include <algorithm>
+
 #include <Xm/Xm.h>
 
 #include "ov/OvList.h"
@@ -34,6 +36,13 @@ void ListView::selectionChanged() {
 
 void ListView::showLast() {
   if (_list) OvListSetBottomPosition(_list, 0);
+}
+
+void ListView::showPosition(int position) {
+  if (!_list) return;
+  const int top = OvListTopPosition(_list), visible = std::max(1, OvListVisibleRows(_list));
+  if (position >= top && position < top + visible) return;
+  OvListSetTopPosition(_list, std::max(1, position - visible / 2));
 }
 
 int ListView::itemCount() const { return _list ? OvListItemCount(_list) : 0; }

@@ -60,6 +60,9 @@ class ListView {
   void selectionChanged();
   /// Scrolls so that the last row shows.
   void showLast();
+  /// Scrolls position (one-based) to the middle of the list unless it
+  /// shows already.
+  void showPosition(int position);
   int itemCount() const;
   /// What the list shows selected, asked row by row (for checks; costs a
   /// pass over every row).

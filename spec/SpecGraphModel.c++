@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "build/DistDirCheck.h"
 #include "idb/StringSet.h"
 #include "spec/SpecReader.h"
 #include "util/AtomicFile.h"
@@ -593,12 +594,9 @@ bool SpecGraphModel::save(const char* path) {
   if (name.empty()) name = chooseSaveName();
   if (name.empty()) return false;
 
-  std::string distDir = _distDir ? _distDir() : std::string();
-  if (!distDir.empty() && samePath(mypathdirname(name), distDir)) {
-    _reporter->error(
-        "Save target directory matches Distribution Directory.\nThe build operation creates a "
-        "binary version of the idb file in\nthe distribution directory.  Pick another directory "
-        "to save your\nascii files into.");
+  if (std::optional<std::string> message =
+          checkDistDir(DistDirUse::Save, name, _distDir ? _distDir() : std::string())) {
+    _reporter->error(*message);
     return false;
   }
   if (!checkRegularFile(name)) return false;

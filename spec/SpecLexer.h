@@ -70,6 +70,8 @@ void specLexerBegin(Reporter* reporter, const std::string& fileName, bool direct
 void specLexerEnd();
 /// Adds what the lexer met since specLexerBegin to report.
 void specLexerFillReport(SpecReadReport* report);
+/// The file being read (an include while one is open), as messages name it.
+const std::string& specLexerFile();
 
 /// The current line of the current file.
 extern int lineno;

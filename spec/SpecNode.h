@@ -41,6 +41,16 @@ class SpecNode {
   const std::string& rules() const { return _rules; }
   const std::string& mapping() const { return _mapping; }
 
+  /// Where the node was read from: the file (an include's path for nodes
+  /// read from an include) and the line of its name; "" and 0 for a node
+  /// made in the program.  Problems found later point there.
+  const std::string& sourceFile() const { return _sourceFile; }
+  int sourceLine() const { return _sourceLine; }
+  void setSource(const std::string& file, int line) {
+    _sourceFile = file;
+    _sourceLine = line;
+  }
+
   /// Renames the node; the tags of the node and everything below change.
   void setName(const std::string& name);
   void setId(const std::string& id);
@@ -78,6 +88,8 @@ class SpecNode {
   bool _patch = false;
   std::string _rules;
   std::string _mapping;
+  std::string _sourceFile;
+  int _sourceLine = 0;
 
   SpecGraphModel* _graph = nullptr;  // set when the model created the node
   SpecNode* _parent = nullptr;

@@ -144,6 +144,7 @@ productname : WORD
             {
               R(9);
               currentProduct = theSpecGraph->addRoot(theSpecGraph->add($1));
+              currentProduct->setSource(specLexerFile(), lineno);
               std::free($1);
             }
             ;
@@ -165,6 +166,7 @@ imagename : WORD
             R(16);
             assert(currentProduct && "spec.y");
             currentImage = theSpecGraph->addChild(currentProduct, theSpecGraph->add($1));
+            currentImage->setSource(specLexerFile(), lineno);
             std::free($1);
           }
           ;
@@ -209,6 +211,7 @@ subsysname : WORD
              R(27);
              assert(currentImage && "spec.y");
              currentSubsys = theSpecGraph->addChild(currentImage, theSpecGraph->add($1));
+             currentSubsys->setSource(specLexerFile(), lineno);
              std::free($1);
              clearCollected();
            }

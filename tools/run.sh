@@ -3,13 +3,16 @@
 #
 # Without a DISPLAY it starts a private Xvfb, runs the program there, saves a
 # screenshot of the main window as out/run/tamblin.png, ends the program and
-# says where the picture is.  Extra arguments go to the program.
+# says where the picture is.  Extra arguments go to the program.  The Build
+# tab runs the forgeset of the same build tree.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 tools/setup.sh
 cmake -S . -B out/run -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAMBLIN_BENCH=OFF >/dev/null
-cmake --build out/run -j 2 --target tamblin tamblin-cli
+cmake --build out/run -j 2 --target tamblin tamblin-cli forgeset
 prog=out/run/app/tamblin
+# Build All and Test Build run the forgeset just built, not /usr/sbin/forgeset.
+set -- -xrm "*buildProgram: $PWD/out/run/forgeset/forgeset" "$@"
 
 if [[ -n "${DISPLAY:-}" ]]; then
   exec "$prog" -nofork "$@"

@@ -16,6 +16,9 @@ packages=(
   libdbus-1-dev dbus dbus-x11
   # regular expressions
   libre2-dev
+  # the distribution builder (forgeset): archives, sums, and Debian's tools
+  # that judge its packages in the tests
+  libarchive-dev nettle-dev zlib1g-dev binutils dpkg-dev lintian fakeroot apt file xz-utils groff-base
   # driving and looking at the interface in tests
   xvfb xauth x11-utils xdotool imagemagick
   # judging what is installed: manual pages, the desktop entry
