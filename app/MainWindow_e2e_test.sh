@@ -26,7 +26,7 @@ start_xvfb
 cd "$work"
 "$prog" -nofork >"$work/stdout" 2>"$work/stderr" &
 prog_pid=$!
-window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1) ||
+window=$(find_window 30 '^Tamblin$') ||
   fail "no main window"
 
 # shot NAME: screenshot of the whole screen.
@@ -86,7 +86,7 @@ prog_pid=
 
 # Without -nofork: the parent returns at once, the child shows the window.
 timeout 10 "$prog" >"$work/stdout2" 2>"$work/stderr2" || true
-window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1) ||
+window=$(find_window 30 '^Tamblin$') ||
   fail "no main window from the background process"
 drawn2() { shot start2 && (( $(identify -format '%k' "$out/start2.png") > 20 )); }
 poll 20 drawn2 || fail "the background process's window was not drawn"

@@ -22,7 +22,7 @@ add='#ff00ff' product='#00ff00' image='#00ffff'
    -xrm "*graph*my_product.background: $product" \
    -xrm "*graph*my_image.background: $image") >"$work/prog.log" 2>&1 &
 prog_pid=$!
-timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' >/dev/null ||
+find_window 30 '^Tamblin$' >/dev/null ||
   fail "the main window did not appear"
 
 # box COLOUR FILE: "width height x y" of the pixels of that colour, or

@@ -27,7 +27,7 @@ start_xvfb
 
 "$prog" -nofork "$@" &
 prog_pid=$!
-window=$(timeout 30 xdotool search --sync --onlyvisible --name '^Tamblin$' | head -n1) || {
+window=$(find_window 30 '^Tamblin$') || {
   echo "run: the main window did not appear" >&2
   exit 1
 }

@@ -50,3 +50,17 @@ start_xvfb() {
     fail "Xvfb did not start: $(cat "$work/xvfb.log")"
   export DISPLAY=":$(head -n1 "$work/display")"
 }
+
+# find_window SECONDS NAME: prints the id of the first mapped window whose
+# name matches NAME.  One search at a time, tried again: a search that meets
+# a window being destroyed meanwhile (the start-up banner) fails with an X
+# error, where --sync would give up.
+find_window() {
+  local deadline=$((SECONDS + $1)) id
+  while :; do
+    id=$(xdotool search --onlyvisible --name "$2" 2>/dev/null | head -n1) || true
+    [[ -n "$id" ]] && { echo "$id"; return 0; }
+    (( SECONDS < deadline )) || return 1
+    sleep 0.1
+  done
+}
