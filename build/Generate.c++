@@ -13,10 +13,10 @@
 #include "filelist/FileListModel.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecGraphModel.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
 #include "yr/YrApp.h"
-#include "yr/YrFormat.h"
 #include "yr/YrProgram.h"
 
 namespace {
@@ -110,7 +110,7 @@ bool Generate::checkDistDir(const std::string& dist) {
   if (idbName.empty())
     idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
   if (samePath(dist, mypathdirname(normalize(idbName)))) {
-    _reporter.error(YrFormat(
+    _reporter.error(format(
         "Illegal Distribution Directory.  The build operation creates\n"
         "a binary version of the idb file in the distribution directory.\n"
         "Pick another directory to avoid overwriting '%s'.",
@@ -121,7 +121,7 @@ bool Generate::checkDistDir(const std::string& dist) {
   if (stat(dist.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
     if (mkdir(dist.c_str(), 0777) != 0) {
       const char* why = std::strerror(errno);
-      _reporter.error(YrFormat(
+      _reporter.error(format(
           "Distrubution Directory '%s' does not exist. An attempt to\n"
           "create yielded '%s'.\n"
           "Enter the following in a shell window,\n"
