@@ -11,12 +11,12 @@
 #include <cstring>
 #include <string>
 
-#include "app/IdbDocument.h"
 #include "app/PatchDialog.h"
-#include "app/SpecDocument.h"
 #include "app/View.h"
 #include "build/Generate.h"
+#include "filelist/IdbDocument.h"
 #include "help/HelpClient.h"
+#include "spec/SpecDocument.h"
 #include "util/EditService.h"
 #include "util/Format.h"
 #include "util/Utils.h"
