@@ -15,14 +15,14 @@
 #include <string>
 #include <vector>
 
-#include "app/IdbDocument.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
-#include "app/SpecDocument.h"
 #include "app/View.h"
+#include "build/Generate.h"
 #include "filelist/FileListAdd.h"
 #include "filelist/FileListModel.h"
-#include "build/Generate.h"
+#include "filelist/IdbDocument.h"
+#include "spec/SpecDocument.h"
 #include "util/EditService.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"

@@ -11,13 +11,14 @@
 #include <cstring>
 #include <string>
 
-#include "app/IdbDocument.h"
 #include "app/PatchDialog.h"
-#include "app/SpecDocument.h"
 #include "app/View.h"
 #include "build/Generate.h"
+#include "filelist/IdbDocument.h"
 #include "help/HelpClient.h"
+#include "spec/SpecDocument.h"
 #include "util/EditService.h"
+#include "util/Format.h"
 #include "util/Utils.h"
 #include "yr/YrApp.h"
 #include "yr/YrDialogManager.h"
@@ -116,11 +117,11 @@ void MainWindow::logBusName(bool owned) {
   const char* name = _msgClient->busName().c_str();
   if (owned)
     _view->logMessage(
-        YrFormat("This window now holds the bus name %s and answers edit requests.", name).c_str());
+        format("This window now holds the bus name %s and answers edit requests.", name).c_str());
   else
-    _view->logMessage(YrFormat("Another program holds the bus name %s: edit requests go to it. "
-                               "This window takes the name over when it is free.",
-                               name)
+    _view->logMessage(format("Another program holds the bus name %s: edit requests go to it. "
+                             "This window takes the name over when it is free.",
+                             name)
                           .c_str());
 }
 
@@ -157,9 +158,9 @@ std::string MainWindow::overlongArgument(const YrMsgClient::Arg* args) {
   for (int i = 0; i < 4; ++i) {
     size_t length = args[i].value ? std::strlen(args[i].value) : 0;
     if (length >= PATH_MAX)
-      return YrFormat("Edit request refused: its %s is %zu bytes long; no path is longer than %d "
-                      "bytes.",
-                      kWhat[i], length, PATH_MAX - 1);
+      return format("Edit request refused: its %s is %zu bytes long; no path is longer than %d "
+                    "bytes.",
+                    kWhat[i], length, PATH_MAX - 1);
   }
   return "";
 }
@@ -192,7 +193,7 @@ void MainWindow::editInstallation(YrMsgClient::Message* message, const YrMsgClie
   if (const char* spec = args[1].value) {
     std::string name = trimCurrent(spec);
     if (this->spec()->open(name.c_str()))
-      _view->logMessage(YrFormat("Opened spec '%s'.", name.c_str()).c_str());
+      _view->logMessage(format("Opened spec '%s'.", name.c_str()).c_str());
     else
       status = -1;
   }

@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "app/IdbDocument.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
-#include "app/SpecDocument.h"
 #include "app/View.h"
 #include "app/ui/LayoutFonts.h"
+#include "filelist/IdbDocument.h"
+#include "spec/SpecDocument.h"
 #include "util/UiTestApp.h"
 #include "yr/YrDialogManager.h"
 #include "yr/YrMenuItem.h"

@@ -2,7 +2,7 @@
 
 #include <Xm/Text.h>
 
-#include "yr/YrFormat.h"
+#include "util/Format.h"
 
 MessageLog::MessageLog(Widget text) : _text(text) {}
 
@@ -12,7 +12,7 @@ std::string MessageLog::shown(std::string_view message) {
   size_t cut = kMaxLineBytes;
   while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
   return std::string(message.substr(0, cut)) +
-         YrFormat("%s %zu more bytes]", kCutMark, message.size() - cut);
+         format("%s %zu more bytes]", kCutMark, message.size() - cut);
 }
 
 void MessageLog::append(const char* text) {
@@ -38,7 +38,7 @@ void MessageLog::dropOldest() {
     _lengths.pop_front();
   }
   _dropped += kDropBatch - (_dropped > 0 ? 1 : 0);
-  std::string note = YrFormat("(%zu earlier messages are no longer shown.)", _dropped);
+  std::string note = format("(%zu earlier messages are no longer shown.)", _dropped);
   XmTextReplace(_text, 0, gone, const_cast<char*>(note.c_str()));
   _lengths.push_front(static_cast<XmTextPosition>(note.size()));
 }

@@ -13,8 +13,8 @@
 #include "app/ui/LayoutWidgets.h"
 #include "filelist/FileListModel.h"
 #include "ov/OvList.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
-#include "yr/YrFormat.h"
 
 const char* const PatchDialog::_defaultPatchDialogResources[] = {
     "*label1.labelString:  Tag                                       Source",
@@ -36,8 +36,8 @@ PatchDialog::PatchDialog(const char* name, FileListModel& fileList, const std::s
 std::string PatchDialog::proposeName(const std::string& product) {
   struct stat st;
   int n = 1;
-  while (lstat(YrFormat("%s_patch%d.spec", product.c_str(), n).c_str(), &st) == 0) ++n;
-  return YrFormat("%s_patch%d", product.c_str(), n);
+  while (lstat(format("%s_patch%d.spec", product.c_str(), n).c_str(), &st) == 0) ++n;
+  return format("%s_patch%d", product.c_str(), n);
 }
 
 Widget PatchDialog::createDialog(Widget parent) {

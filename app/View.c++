@@ -9,13 +9,12 @@
 #include <cstring>
 #include <functional>
 
-#include "app/IdbDocument.h"
 #include "app/LogJump.h"
 #include "app/MessageLog.h"
-#include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/ui/FileListUI.h"
 #include "filelist/FileList.h"
+#include "filelist/IdbDocument.h"
 #include "app/ViewReporter.h"
 #include "filelist/FileListTags.h"
 #include "filelist/FileListAdd.h"
@@ -25,6 +24,7 @@
 #include "build/Generate.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecDetail.h"
+#include "spec/SpecDocument.h"
 #include "spec/SpecGraph.h"
 #include "spec/SpecGraphModel.h"
 #include "yr/YrMenuItem.h"

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "app/IdbDocument.h"
-#include "app/SpecDocument.h"
 #include "app/TabPixmaps.h"
 #include "app/View.h"
 #include "filelist/FileListAdd.h"
 #include "filelist/FileListAttrs.h"
 #include "filelist/FileListModel.h"
 #include "filelist/FileListPerms.h"
+#include "filelist/IdbDocument.h"
+#include "spec/SpecDocument.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"

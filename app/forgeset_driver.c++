@@ -17,10 +17,10 @@
 #include <string>
 #include <vector>
 
-#include "app/IdbDocument.h"
+#include "filelist/IdbDocument.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
-#include "app/SpecDocument.h"
+#include "spec/SpecDocument.h"
 #include "app/View.h"
 #include "build/Generate.h"
 #include "filelist/FileListModel.h"

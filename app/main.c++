@@ -7,7 +7,7 @@
 #include "app/AppDefaultsPath.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
-#include "yr/YrFormat.h"
+#include "util/Format.h"
 #include "yr/YrIdleProbe.h"
 
 namespace {
@@ -15,7 +15,7 @@ namespace {
 const char kVersion[] = "03/09/96";
 
 std::string banner() {
-  std::string text = YrFormat("Tamblin %22s%s\n", " ", kVersion);
+  std::string text = format("Tamblin %22s%s\n", " ", kVersion);
   text += std::string(20, ' ') + "Copyright (c) 1995 The Tamblin Authors\n";
   text += std::string(3, ' ') + "The Tamblin Project\n";
   text += "        Initializing,  Please Wait...";

@@ -14,10 +14,10 @@
 #include "filelist/FileListModel.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecGraphModel.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
 #include "yr/YrApp.h"
-#include "yr/YrFormat.h"
 #include "yr/YrProgram.h"
 
 namespace {

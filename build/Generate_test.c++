@@ -18,10 +18,10 @@
 #include "build/Generate.h"
 #include "filelist/FileListModel.h"
 #include "spec/SpecGraphModel.h"
+#include "util/Format.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"
-#include "yr/YrFormat.h"
 
 namespace {
 
@@ -157,12 +157,12 @@ TEST_F(GenerateTest, TheButtonsRunTheirActions) {
 TEST_F(GenerateTest, RefusalsStartNothing) {
   useProgram("echo started\n");
   std::string plainFile = dir.write("occupied", "x");
-  std::string idbRefusal = YrFormat(
+  std::string idbRefusal = format(
       "Illegal Distribution Directory.  The build operation creates\n"
       "a binary version of the idb file in the distribution directory.\n"
       "Pick another directory to avoid overwriting '%s'.",
       dir.file("p.idb").c_str());
-  std::string mkdirRefusal = YrFormat(
+  std::string mkdirRefusal = format(
       "Distrubution Directory '%s' does not exist. An attempt to\n"
       "create yielded '%s'.\n"
       "Enter the following in a shell window,\n"
@@ -172,7 +172,7 @@ TEST_F(GenerateTest, RefusalsStartNothing) {
       "chmod 777 %s",
       plainFile.c_str(), std::strerror(EEXIST), plainFile.c_str(), plainFile.c_str());
   std::string missing = dir.file("no/such/parent");
-  std::string noParent = YrFormat(
+  std::string noParent = format(
       "Distrubution Directory '%s' does not exist. An attempt to\n"
       "create yielded '%s'.\n"
       "Enter the following in a shell window,\n"

@@ -11,11 +11,11 @@
 #include <memory>
 #include <string>
 
-#include "app/IdbDocument.h"
 #include "app/ui/FileListUI.h"
 #include "filelist/BusyIndicator.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
+#include "filelist/IdbDocument.h"
 #include "filelist/ListView.h"
 
 class FileListModel;

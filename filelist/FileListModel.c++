@@ -6,7 +6,6 @@
 #include <cassert>
 #include <cerrno>
 #include <climits>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -28,6 +27,7 @@
 #include "idb/Idb.h"
 #include "idb/StringSet.h"
 #include "util/AtomicFile.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
 
@@ -52,21 +52,6 @@ class FileListModel::BusyScope {
 };
 
 namespace {
-
-std::string format(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-
-std::string format(const char* fmt, ...) {
-  va_list args;
-  va_start(args, fmt);
-  va_list again;
-  va_copy(again, args);
-  int n = std::vsnprintf(nullptr, 0, fmt, args);
-  va_end(args);
-  std::string out(n > 0 ? static_cast<size_t>(n) : 0, '\0');
-  if (n > 0) std::vsnprintf(&out[0], out.size() + 1, fmt, again);
-  va_end(again);
-  return out;
-}
 
 // A typed field value as the panels deblank it, tabs and newlines
 // included: idb fields are separated by blanks, and a value holding one

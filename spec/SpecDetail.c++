@@ -16,6 +16,7 @@
 #include "spec/SpecGraph.h"
 #include "spec/SpecNode.h"
 #include "spec/SpecReader.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
 
 const char* const SpecDetail::kUnquotedBlank =
@@ -310,12 +311,10 @@ bool SpecDetail::assignProduct() {
 
 void SpecDetail::insertRule(const char* format) {
   if (!_current) return;
-  std::string tag = _current->getTag();
-  std::vector<char> text(std::snprintf(nullptr, 0, format, tag.c_str()) + 1);
-  std::snprintf(text.data(), text.size(), format, tag.c_str());
+  std::string text = ::format(format, _current->getTag().c_str());
   XmTextPosition at = XmTextGetInsertionPosition(_rulesText);
-  XmTextInsert(_rulesText, at, text.data());
-  XmTextSetInsertionPosition(_rulesText, at + static_cast<XmTextPosition>(text.size() - 1));
+  XmTextInsert(_rulesText, at, &text[0]);
+  XmTextSetInsertionPosition(_rulesText, at + static_cast<XmTextPosition>(text.size()));
 }
 
 void SpecDetail::prereqPushButton(Widget, XtPointer) { insertRule("prereq (\n    %s 0 oldvers\n)\n"); }

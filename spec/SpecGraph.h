@@ -14,9 +14,9 @@
 #include <memory>
 #include <string>
 
-#include "app/SpecDocument.h"
 #include "app/ui/SpecGraphUI.h"
 #include "filelist/SpecGraphPartner.h"
+#include "spec/SpecDocument.h"
 #include "spec/SpecGraphModel.h"
 
 class FileListTags;

@@ -11,6 +11,7 @@
 #include "idb/StringSet.h"
 #include "spec/SpecReader.h"
 #include "util/AtomicFile.h"
+#include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
 
@@ -41,22 +42,6 @@ class Busy {
  private:
   SpecGraphObserver* _o;
 };
-
-// Fills the "%s" places of a fixed message text in order; the inserted
-// texts are not scanned again.
-std::string format(const char* fmt, std::initializer_list<std::string> args) {
-  std::string out;
-  auto arg = args.begin();
-  for (const char* p = fmt; *p; ++p) {
-    if (p[0] == '%' && p[1] == 's' && arg != args.end()) {
-      out += *arg++;
-      ++p;
-    } else {
-      out += *p;
-    }
-  }
-  return out;
-}
 
 }  // namespace
 
@@ -362,7 +347,7 @@ std::string SpecGraphModel::createPatchSubsystem(const std::string& patchProduct
     relayout();
     select(product);
     setSpecFileName("");
-    _reporter->logMessage(format("Created patch product '%s'.", {patchProduct}));
+    _reporter->logMessage(format("Created patch product '%s'.", patchProduct.c_str()));
   }
 
   const SpecNode* sourceImage = getNode(op + "." + oi);
@@ -417,7 +402,8 @@ bool SpecGraphModel::abandonChanges() {
         "There have been changes since you last saved.\nAbandon changes to spec file?\n");
   return _reporter->question(
       format("There have been changes since you last saved.\nAbandon changes to spec file "
-             "'%s'?\n", {_specFileName}));
+             "'%s'?\n",
+             _specFileName.c_str()));
 }
 
 // ---- Writing -------------------------------------------------------------
@@ -504,7 +490,7 @@ void SpecGraphModel::print() const { writeAll(stderr); }
 bool SpecGraphModel::checkRegularFile(const std::string& path) {
   struct stat st;
   if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
-    _reporter->warning(format("'%s' is not a regular file.\nTry again.", {path}));
+    _reporter->warning(format("'%s' is not a regular file.\nTry again.", path.c_str()));
     return false;
   }
   return true;
@@ -548,14 +534,14 @@ bool SpecGraphModel::append(const std::string& path) {
 void SpecGraphModel::noteReadInPart(const std::string& path) {
   const SpecReadReport& r = _lastRead;
   if (r.syntaxLine > 0) {
-    _reporter->logMessage(format("Read %s up to line %s; the rest was skipped.",
-                                 {path, std::to_string(r.syntaxLine)}));
+    _reporter->logMessage(format("Read %s up to line %d; the rest was skipped.", path.c_str(),
+                                 r.syntaxLine));
   } else {
     std::string skipped;
     if (r.errors > 0) skipped = "the text in error";
     if (r.includeFailures > 0)
       skipped += std::string(skipped.empty() ? "" : " and ") + "the includes that failed";
-    _reporter->logMessage(format("Read %s without %s.", {path, skipped}));
+    _reporter->logMessage(format("Read %s without %s.", path.c_str(), skipped.c_str()));
   }
   _reporter->showMessages();
   PartRead part;
@@ -605,7 +591,7 @@ bool SpecGraphModel::save(const char* path) {
           "'%s' was read only in part: the message log says where reading stopped.\n"
           "Saving over it keeps only what was read; the rest of the file would be lost.\n\n"
           "Save anyway?",
-          {name})))
+          name.c_str())))
     return false;
 
   Busy busy(_observer);
@@ -613,7 +599,7 @@ bool SpecGraphModel::save(const char* path) {
   int err = file.open();
   if (err == AtomicFile::kNotRegular) {
     // Became something else since the check above.
-    _reporter->warning(format("'%s' is not a regular file.\nTry again.", {name}));
+    _reporter->warning(format("'%s' is not a regular file.\nTry again.", name.c_str()));
     return false;
   }
   if (err == 0) {
@@ -621,14 +607,14 @@ bool SpecGraphModel::save(const char* path) {
     // The first write error is the one that names the cause (a full disk).
     err = file.commit();
     if (err != 0) {
-      _reporter->logMessage(
-          format("Couldn't write spec '%s' (%s).", {name, AtomicFile::describe(err)}));
+      _reporter->logMessage(format("Couldn't write spec '%s' (%s).", name.c_str(),
+                                   AtomicFile::describe(err).c_str()));
       _reporter->showMessages();
       return false;
     }
   } else {
     _reporter->logMessage(
-        format("Couldn't open spec '%s' (%s).", {name, AtomicFile::describe(err)}));
+        format("Couldn't open spec '%s' (%s).", name.c_str(), AtomicFile::describe(err).c_str()));
     _reporter->showMessages();
     return false;
   }
@@ -637,6 +623,6 @@ bool SpecGraphModel::save(const char* path) {
   for (auto it = _partReads.begin(); it != _partReads.end();)
     it = isFile(*it, name) ? _partReads.erase(it) : it + 1;
   setSpecFileName(name);
-  _reporter->logMessage(format("Saved spec '%s'.", {name}));
+  _reporter->logMessage(format("Saved spec '%s'.", name.c_str()));
   return true;
 }

@@ -243,10 +243,10 @@ TEST_F(SpecGraphTest, FileCommandsRefuseAndCancelWithoutLosingAnything) {
 
 #include <Xm/Xm.h>
 
-#include "app/IdbDocument.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
 #include "app/View.h"
+#include "filelist/IdbDocument.h"
 #include "yr/YrMenuItem.h"
 
 namespace {

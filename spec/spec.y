@@ -4,6 +4,7 @@
 %define api.prefix {spec}
 %define parse.error simple
 %locations
+%token-table
 
 %code requires {
 #include <cstdlib>
@@ -72,7 +73,10 @@ void clearCollected() {
 
 }  // namespace
 
-#define R(n) traceRule(n)
+// Every action starts with R(): it traces the rule being reduced by the
+// number bison gives it in its report (yyn, the rule the parser is reducing,
+// counts from 2: bison keeps 0 and 1 for itself).
+#define R() traceRule(yyn - 1)
 
 // Every token passes here on its way to the parser, for the trace.
 static int tracedLex() {
@@ -123,47 +127,47 @@ static int tracedLex() {
 
 %%
 
-spec : products { R(1); }
-     | error { R(2); }
+spec : products { R(); }
+     | error { R(); }
      ;
 
-products : product maint { R(3); }
-         | products product { R(4); }
-         | products product maint { R(5); }
+products : product maint { R(); }
+         | products product { R(); }
+         | products product maint { R(); }
          ;
 
 product : PRODUCT productname productid productversion images ENDPRODUCT
-            { R(6); theSpecGraph->select(currentProduct); }
+            { R(); theSpecGraph->select(currentProduct); }
         | PRODUCT productname productid images ENDPRODUCT
-            { R(7); theSpecGraph->select(currentProduct); }
+            { R(); theSpecGraph->select(currentProduct); }
         | PRODUCT productname productid ENDPRODUCT
-            { R(8); theSpecGraph->select(currentProduct); }
+            { R(); theSpecGraph->select(currentProduct); }
         ;
 
 productname : WORD
             {
-              R(9);
+              R();
               currentProduct = theSpecGraph->addRoot(theSpecGraph->add($1));
               currentProduct->setSource(specLexerFile(), lineno);
               std::free($1);
             }
             ;
 
-productid : ID words { R(10); store(currentProduct, &SpecNode::setId, oneLine($2)); } ;
+productid : ID words { R(); store(currentProduct, &SpecNode::setId, oneLine($2)); } ;
 
-productversion : VERSION WORD { R(11); std::free($2); } ;
+productversion : VERSION WORD { R(); std::free($2); } ;
 
-images : image { R(12); }
-       | images image { R(13); }
+images : image { R(); }
+       | images image { R(); }
        ;
 
-image : IMAGE imagename imagehead subsyss ENDIMAGE { R(14); }
-      | IMAGE imagename imagehead ENDIMAGE { R(15); }
+image : IMAGE imagename imagehead subsyss ENDIMAGE { R(); }
+      | IMAGE imagename imagehead ENDIMAGE { R(); }
       ;
 
 imagename : WORD
           {
-            R(16);
+            R();
             assert(currentProduct && "spec.y");
             currentImage = theSpecGraph->addChild(currentProduct, theSpecGraph->add($1));
             currentImage->setSource(specLexerFile(), lineno);
@@ -171,19 +175,19 @@ imagename : WORD
           }
           ;
 
-imagehead : imageid imageversion imageorder { R(17); }
-          | imageid imageorder imageversion { R(18); }
-          | imageorder imageid imageversion { R(19); }
+imagehead : imageid imageversion imageorder { R(); }
+          | imageid imageorder imageversion { R(); }
+          | imageorder imageid imageversion { R(); }
           ;
 
-imageid : ID words { R(20); store(currentImage, &SpecNode::setId, oneLine($2)); } ;
+imageid : ID words { R(); store(currentImage, &SpecNode::setId, oneLine($2)); } ;
 
-imageversion : VERSION words { R(21); store(currentImage, &SpecNode::setVersion, oneLine($2)); } ;
+imageversion : VERSION words { R(); store(currentImage, &SpecNode::setVersion, oneLine($2)); } ;
 
-imageorder : %empty { R(22); }
+imageorder : %empty { R(); }
            | ORDER words
              {
-               R(23);
+               R();
                // As atoi: leading blanks, a sign, digits; 0 when there are none.
                long value = std::strtol($2, nullptr, 10);
                if (value > 2147483647L) value = 2147483647L;
@@ -193,13 +197,13 @@ imageorder : %empty { R(22); }
              }
            ;
 
-subsyss : subsys { R(24); }
-        | subsyss subsys { R(25); }
+subsyss : subsys { R(); }
+        | subsyss subsys { R(); }
         ;
 
 subsys : SUBSYS subsysname subsysitems ENDSUBSYS
        {
-         R(26);
+         R();
          if (mapping) currentSubsys->setMapping(mapping);
          if (rules) currentSubsys->setRules(rules);
          clearCollected();
@@ -208,7 +212,7 @@ subsys : SUBSYS subsysname subsysitems ENDSUBSYS
 
 subsysname : WORD
            {
-             R(27);
+             R();
              assert(currentImage && "spec.y");
              currentSubsys = theSpecGraph->addChild(currentImage, theSpecGraph->add($1));
              currentSubsys->setSource(specLexerFile(), lineno);
@@ -217,36 +221,36 @@ subsysname : WORD
            }
            ;
 
-subsysitems : subsysitem { R(28); }
-            | subsysitems subsysitem { R(29); }
+subsysitems : subsysitem { R(); }
+            | subsysitems subsysitem { R(); }
             ;
 
-subsysitem : DEFAULT { R(30); currentSubsys->setDefault(true); }
-           | REQUIRED { R(31); currentSubsys->setRequired(true); }
-           | MINIROOT { R(32); currentSubsys->setMiniroot(true); }
+subsysitem : DEFAULT { R(); currentSubsys->setDefault(true); }
+           | REQUIRED { R(); currentSubsys->setRequired(true); }
+           | MINIROOT { R(); currentSubsys->setMiniroot(true); }
            | PATCH
              {
-               R(33);
+               R();
                currentSubsys->setPatch(true);
                currentImage->setPatch(true);
                currentProduct->setPatch(true);
              }
-           | ID words { R(34); store(currentSubsys, &SpecNode::setId, oneLine($2)); }
+           | ID words { R(); store(currentSubsys, &SpecNode::setId, oneLine($2)); }
            | EXP words
              {
-               R(35);
+               R();
                char* joined = BuildString(mapping, "\n", $2);
                std::free($2);
                std::free(mapping);
                mapping = joined;
              }
-           | REPLACES words { R(36); addRule("replaces", oneLine($2)); }
-           | FOLLOWS words { R(37); addRule("follows", oneLine($2)); }
-           | INCOMPAT words { R(38); addRule("incompat", oneLine($2)); }
-           | UPDATES words { R(39); addRule("updates", oneLine($2)); }
+           | REPLACES words { R(); addRule("replaces", oneLine($2)); }
+           | FOLLOWS words { R(); addRule("follows", oneLine($2)); }
+           | INCOMPAT words { R(); addRule("incompat", oneLine($2)); }
+           | UPDATES words { R(); addRule("updates", oneLine($2)); }
            | PREREQ '(' prereqs ')'
              {
-               R(40);
+               R();
                char* open = BuildString("prereq (\n", " ", $3);
                // The closing parenthesis stands alone, also after a group
                // that is not whole triples, so that it reads back as one.
@@ -259,14 +263,14 @@ subsysitem : DEFAULT { R(30); currentSubsys->setDefault(true); }
                std::free(rules);
                rules = joined;
              }
-           | CLIENTONLY { R(41); }
-           | INPLACE { R(42); }
+           | CLIENTONLY { R(); }
+           | INPLACE { R(); }
            ;
 
-prereqs : prereq { R(43); $$ = $1; }
+prereqs : prereq { R(); $$ = $1; }
         | prereqs prereq
           {
-            R(44);
+            R();
             $$ = BuildString($1, " ", $2);
             std::free($1);
             std::free($2);
@@ -275,7 +279,7 @@ prereqs : prereq { R(43); $$ = $1; }
 
 prereq : WORD
        {
-         R(45);
+         R();
          // Words come in triples (subsystem, low and high version), one
          // triple to a line; the count runs on across groups on purpose.
          std::string value;
@@ -292,100 +296,41 @@ prereq : WORD
        }
        ;
 
-maint : %empty { R(46); }
-      | MAINT maintname ENDMAINT { R(47); }
+maint : %empty { R(); }
+      | MAINT maintname ENDMAINT { R(); }
       ;
 
-maintname : WORD { R(48); std::free($1); } ;
+maintname : WORD { R(); std::free($1); } ;
 
-words : WORD { R(49); $$ = $1; }
+words : WORD { R(); $$ = $1; }
       | words WORD
         {
-          R(50);
+          R();
           $$ = BuildString($1, @2.first_line != @1.last_line ? "\n" : " ", $2);
           std::free($1);
           std::free($2);
         }
-      | DOUBLEQUOTE words DOUBLEQUOTE { R(51); $$ = quoted("\"", $2); }
-      | DOUBLEQUOTE DOUBLEQUOTE { R(52); $$ = strdup("\"\""); }
-      | SINGLEQUOTE words SINGLEQUOTE { R(53); $$ = quoted("'", $2); }
-      | SINGLEQUOTE SINGLEQUOTE { R(54); $$ = strdup("''"); }
+      | DOUBLEQUOTE words DOUBLEQUOTE { R(); $$ = quoted("\"", $2); }
+      | DOUBLEQUOTE DOUBLEQUOTE { R(); $$ = strdup("\"\""); }
+      | SINGLEQUOTE words SINGLEQUOTE { R(); $$ = quoted("'", $2); }
+      | SINGLEQUOTE SINGLEQUOTE { R(); $$ = strdup("''"); }
       ;
 
-/* Numbered after the others so that theirs stay as they are: an empty file
-   (the writer's text for a hierarchy without products) reads cleanly. */
-spec : %empty { R(55); } ;
+/* An empty file (the writer's text for a hierarchy without products) reads
+   cleanly.  Last, so that the other rules keep the numbers traces show. */
+spec : %empty { R(); } ;
 
 %%
 
 namespace {
 
+// Bison's rule texts, in its numbering; 0 is no rule.
 const char* const kRuleTexts[] = {
     "-no such reduction-",
-    "spec : products",
-    "spec : error",
-    "products : product maint",
-    "products : products product",
-    "products : products product maint",
-    "product : PRODUCT productname productid productversion images ENDPRODUCT",
-    "product : PRODUCT productname productid images ENDPRODUCT",
-    "product : PRODUCT productname productid ENDPRODUCT",
-    "productname : WORD",
-    "productid : ID words",
-    "productversion : VERSION WORD",
-    "images : image",
-    "images : images image",
-    "image : IMAGE imagename imagehead subsyss ENDIMAGE",
-    "image : IMAGE imagename imagehead ENDIMAGE",
-    "imagename : WORD",
-    "imagehead : imageid imageversion imageorder",
-    "imagehead : imageid imageorder imageversion",
-    "imagehead : imageorder imageid imageversion",
-    "imageid : ID words",
-    "imageversion : VERSION words",
-    "imageorder :",
-    "imageorder : ORDER words",
-    "subsyss : subsys",
-    "subsyss : subsyss subsys",
-    "subsys : SUBSYS subsysname subsysitems ENDSUBSYS",
-    "subsysname : WORD",
-    "subsysitems : subsysitem",
-    "subsysitems : subsysitems subsysitem",
-    "subsysitem : DEFAULT",
-    "subsysitem : REQUIRED",
-    "subsysitem : MINIROOT",
-    "subsysitem : PATCH",
-    "subsysitem : ID words",
-    "subsysitem : EXP words",
-    "subsysitem : REPLACES words",
-    "subsysitem : FOLLOWS words",
-    "subsysitem : INCOMPAT words",
-    "subsysitem : UPDATES words",
-    "subsysitem : PREREQ '(' prereqs ')'",
-    "subsysitem : CLIENTONLY",
-    "subsysitem : INPLACE",
-    "prereqs : prereq",
-    "prereqs : prereqs prereq",
-    "prereq : WORD",
-    "maint :",
-    "maint : MAINT maintname ENDMAINT",
-    "maintname : WORD",
-    "words : WORD",
-    "words : words WORD",
-    "words : DOUBLEQUOTE words DOUBLEQUOTE",
-    "words : DOUBLEQUOTE DOUBLEQUOTE",
-    "words : SINGLEQUOTE words SINGLEQUOTE",
-    "words : SINGLEQUOTE SINGLEQUOTE",
-    "spec :",
+#include "spec/specRules.inc"
 };
-
-const char* const kTokenNames[] = {
-    "WORD",       "IDENTIFIER", "DOUBLEQUOTE", "SINGLEQUOTE", "NL",       "PRODUCT",
-    "ENDPRODUCT", "IMAGE",      "ENDIMAGE",    "SUBSYS",      "ENDSUBSYS", "MAINT",
-    "ENDMAINT",   "DEFAULT",    "REQUIRED",    "MINIROOT",    "PATCH",    "ID",
-    "VERSION",    "ORDER",      "EXP",         "REPLACES",    "INCOMPAT", "PREREQ",
-    "UPDATES",    "FOLLOWS",    "CLIENTONLY",  "INPLACE",
-};
+static_assert(sizeof kRuleTexts / sizeof kRuleTexts[0] == YYNRULES,
+              "one rule text for each of bison's rules");
 
 }  // namespace
 
@@ -394,13 +339,13 @@ const char* specRuleText(int rule) {
   return rule > 0 && rule < n ? kRuleTexts[rule] : kRuleTexts[0];
 }
 
+// Bison's names for the tokens the grammar declares; its own symbols (the
+// end, error, undefined) are not tokens a trace names.
 const char* specTokenName(int token) {
-  const int n = sizeof kTokenNames / sizeof kTokenNames[0];
   if (token == 0) return "end-of-file";
-  if (token == '(') return "'('";
-  if (token == ')') return "')'";
-  if (token >= WORD && token < WORD + n) return kTokenNames[token - WORD];
-  return "-unknown-";
+  yysymbol_kind_t symbol = YYTRANSLATE(token);
+  if (symbol <= YYSYMBOL_YYUNDEF || symbol >= YYNTOKENS) return "-unknown-";
+  return yytname[symbol];
 }
 
 namespace {

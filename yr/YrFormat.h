@@ -1,10 +1,11 @@
-// YrFormat: printf-style formatting into a string of whatever length the
-// result needs (messages quote file names of any length).
+// YrFormat: the framework's name for the core's formatter, format() in
+// util/Format.h; see there for what it promises.  A name, not a second
+// implementation: the compiler checks the arguments as for format().
 #ifndef TAMBLIN_YR_YRFORMAT_H
 #define TAMBLIN_YR_YRFORMAT_H
 
-#include <string>
+#include "util/Format.h"
 
-std::string YrFormat(const char* format, ...) __attribute__((format(printf, 1, 2)));
+#define YrFormat format
 
 #endif

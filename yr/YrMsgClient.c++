@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
+#include "util/Format.h"
 #include "yr/YrApp.h"
-#include "yr/YrFormat.h"
 
 // Each libdbus watch gets an Xt input of its own while it is enabled, and a
 // timeout an Xt timer re-armed after each expiry (Xt timers fire once).
@@ -150,8 +150,8 @@ std::string typeName(int type) {
 }
 
 std::string waitingStatus(const std::string& busName) {
-  return YrFormat("%s is owned by another program; this one takes it over when it is free.",
-                  busName.c_str());
+  return format("%s is owned by another program; this one takes it over when it is free.",
+                busName.c_str());
 }
 
 }  // namespace
@@ -203,7 +203,7 @@ bool YrMsgClient::connect(const char* objectPath) {
   dbus_error_init(&error);
   DBusConnection* connection = dbus_bus_get_private(DBUS_BUS_SESSION, &error);
   if (!connection) {
-    _status = YrFormat("Couldn't connect to the session bus (%s).", error.message);
+    _status = format("Couldn't connect to the session bus (%s).", error.message);
     dbus_error_free(&error);
     return false;
   }
@@ -213,7 +213,7 @@ bool YrMsgClient::connect(const char* objectPath) {
   // owner ends or lets it go, and says so with NameAcquired.
   int owned = dbus_bus_request_name(connection, _busName.c_str(), 0, &error);
   if (owned < 0) {
-    _status = YrFormat("Couldn't own %s (%s).", _busName.c_str(), error.message);
+    _status = format("Couldn't own %s (%s).", _busName.c_str(), error.message);
     dbus_error_free(&error);
     dbus_connection_close(connection);
     dbus_connection_unref(connection);
@@ -320,7 +320,7 @@ void YrMsgClient::handle(DBusMessage* call) {
   message._name = member ? member : "";
   if (interface && _interface != interface) {
     message.fail(DBUS_ERROR_UNKNOWN_METHOD,
-                 YrFormat("No method %s in %s", message._name.c_str(), interface));
+                 format("No method %s in %s", message._name.c_str(), interface));
     return;
   }
   DBusMessageIter iter;
@@ -345,5 +345,5 @@ void YrMsgClient::handle(DBusMessage* call) {
   // Nobody is left waiting for an answer.
   if (!message.replied())
     message.fail(known ? DBUS_ERROR_INVALID_ARGS : DBUS_ERROR_UNKNOWN_METHOD,
-                 YrFormat("Unexpected or invalid message format for %s", message._name.c_str()));
+                 format("Unexpected or invalid message format for %s", message._name.c_str()));
 }

@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "util/ChildProcess.h"
-#include "yr/YrFormat.h"
+#include "util/Format.h"
 
 YrProgram::YrProgram(XtAppContext context) : _context(context) {
   _out.owner = this;
@@ -80,7 +80,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     int e = errno;
     for (int fd : {out[0], out[1], err[0], err[1]})
       if (fd >= 0) close(fd);
-    return fail(YrFormat("Couldn't start %s (%s)", argv[0], strerror(e)));
+    return fail(format("Couldn't start %s (%s)", argv[0], strerror(e)));
   }
   pid_t pid = fork();
   if (pid == 0) {
@@ -103,7 +103,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     close(out[0]);
     close(err[0]);
     close(status[0]);
-    return fail(YrFormat("Couldn't start %s (%s)", argv[0], strerror(forkErrno)));
+    return fail(format("Couldn't start %s (%s)", argv[0], strerror(forkErrno)));
   }
   int execErrno = 0;
   ssize_t got;
@@ -115,7 +115,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     close(err[0]);
     int ignored;
     waitpid(pid, &ignored, 0);
-    return fail(YrFormat("Couldn't start %s (%s)", argv[0], strerror(execErrno)));
+    return fail(format("Couldn't start %s (%s)", argv[0], strerror(execErrno)));
   }
   _pid = pid;
   for (Stream* s : {&_out, &_err}) {

@@ -12,7 +12,6 @@
 
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"
-#include "yr/YrFormat.h"
 #include "yr/YrProgram.h"
 
 namespace {
@@ -162,14 +161,6 @@ TEST(YrProgramTest, ChildrenInheritOnlyStandardDescriptors) {
   EXPECT_EQ(standard, openDescriptors(second.pid()));
   close(leaked[0]);
   close(leaked[1]);
-}
-
-TEST(YrFormatTest, FormatsTextsLongerThanAnyFixedBuffer) {
-  std::string longName(10000, 'x');
-  std::string text = YrFormat("Opened idb '%s'.", longName.c_str());
-  EXPECT_EQ("Opened idb '" + longName + "'.", text);
-  EXPECT_EQ("View::setView\tUnrecognized view: 5\n", YrFormat("View::setView\tUnrecognized view: %d\n", 5));
-  EXPECT_EQ("", YrFormat("%s", ""));
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 //
 // Results follow the program's rule: nonzero for success or consent, 0 for
 // failure or refusal.
-#ifndef TAMBLIN_APP_SPECDOCUMENT_H
-#define TAMBLIN_APP_SPECDOCUMENT_H
+#ifndef TAMBLIN_SPEC_SPECDOCUMENT_H
+#define TAMBLIN_SPEC_SPECDOCUMENT_H
 
 #include <string>
 

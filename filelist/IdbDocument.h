@@ -3,8 +3,8 @@
 //
 // Results follow the program's rule: nonzero for success or consent, 0 for
 // failure or refusal.
-#ifndef TAMBLIN_APP_IDBDOCUMENT_H
-#define TAMBLIN_APP_IDBDOCUMENT_H
+#ifndef TAMBLIN_FILELIST_IDBDOCUMENT_H
+#define TAMBLIN_FILELIST_IDBDOCUMENT_H
 
 class IdbDocument {
  public:
