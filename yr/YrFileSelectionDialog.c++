@@ -7,7 +7,12 @@
 YrFileSelectionDialog::YrFileSelectionDialog(const char* name) : YrDialogManager(name, Custom) {}
 
 Widget YrFileSelectionDialog::createDialog(Widget parent) {
-  return XmCreateFileSelectionDialog(parent, const_cast<char*>(_name.c_str()), nullptr, 0);
+  // Wide enough for a directory, the filter and a proposed "dir/name.spec"
+  // to show whole; the box only grows from there.
+  Arg args[2];
+  XtSetArg(args[0], XmNwidth, 600);
+  XtSetArg(args[1], XmNresizePolicy, XmRESIZE_GROW);
+  return XmCreateFileSelectionDialog(parent, const_cast<char*>(_name.c_str()), args, 2);
 }
 
 static std::string takeText(char* text) {
