@@ -16,6 +16,7 @@
 #include "spec/SpecGraph.h"
 #include "spec/SpecNode.h"
 #include "util/Reporter.h"
+#include "util/XmUtils.h"
 
 const char* const SpecDetail::kUnquotedBlank =
     "The Description contains an UNQUOTED BLANK.\n\nUse double quotes:  \"My Product "
@@ -32,19 +33,10 @@ const char* const SpecDetail::kNoNodeSelected =
 
 namespace {
 
-std::string fieldText(Widget w) {
-  char* text = XmIsTextField(w) ? XmTextFieldGetString(w) : XmTextGetString(w);
-  std::string out = text ? text : "";
-  XtFree(text);
-  return out;
-}
+// A value too long to draw is shown cut and read whole (XmUtils).
+std::string fieldText(Widget w) { return fieldValue(w); }
 
-void setText(Widget w, const std::string& text) {
-  if (XmIsTextField(w))
-    XmTextFieldSetString(w, const_cast<char*>(text.c_str()));
-  else
-    XmTextSetString(w, const_cast<char*>(text.c_str()));
-}
+void setText(Widget w, const std::string& text) { showFieldValue(w, text); }
 
 void setToggle(Widget w, bool on) { XmToggleButtonSetState(w, on, False); }
 bool toggleState(Widget w) { return XmToggleButtonGetState(w); }
@@ -274,6 +266,8 @@ void SpecDetail::insertRule(const char* format) {
   std::string tag = _current->getTag();
   std::vector<char> text(std::snprintf(nullptr, 0, format, tag.c_str()) + 1);
   std::snprintf(text.data(), text.size(), format, tag.c_str());
+  // Rules shown cut are read-only: inserting would make the cut text the value.
+  if (!XmTextGetEditable(_rulesText)) return;
   XmTextPosition at = XmTextGetInsertionPosition(_rulesText);
   XmTextInsert(_rulesText, at, text.data());
   XmTextSetInsertionPosition(_rulesText, at + static_cast<XmTextPosition>(text.size() - 1));
