@@ -87,8 +87,17 @@ Widget YrDialogManager::dialog() {
     if (!title || std::strcmp(title, XtName(shell)) == 0)
       XtVaSetValues(shell, XmNtitle, defaultTitle(), nullptr);
     yrOnWindowClose(shell, &YrDialogManager::closeCallback, this);
+    // Keys answer a dialog only once it has the keyboard: a window manager
+    // hands it over on mapping, but without one (or with a lax one) Return
+    // and Escape would go to the window the dialog blocks.
+    XtAddEventHandler(shell, StructureNotifyMask, False, &YrDialogManager::focusOnMap, nullptr);
   }
   return _baseWidget;
+}
+
+void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
+  if (event->type != MapNotify || !XtIsRealized(shell)) return;
+  XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToParent, CurrentTime);
 }
 
 const char* YrDialogManager::defaultTitle() const {

@@ -81,6 +81,7 @@ class YrDialogManager : public YrComponent {
   static void cancelCallback(Widget, XtPointer, XtPointer);
   static void helpCallback(Widget, XtPointer, XtPointer);
   static void closeCallback(Widget, XtPointer, XtPointer);
+  static void focusOnMap(Widget, XtPointer, XEvent*, Boolean*);
   static void respondProc(XtPointer, XtIntervalId*);
   static void waitExpired(XtPointer, XtIntervalId*);
   void answered(Answer a);
