@@ -95,9 +95,12 @@ Widget YrDialogManager::dialog() {
   return _baseWidget;
 }
 
+// When the dialog goes down the keyboard reverts to whatever window the
+// pointer is in (X's own default), never to the root window, where no
+// window of the program would see a key again.
 void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
   if (event->type != MapNotify || !XtIsRealized(shell)) return;
-  XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToParent, CurrentTime);
+  XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToPointerRoot, CurrentTime);
 }
 
 const char* YrDialogManager::defaultTitle() const {

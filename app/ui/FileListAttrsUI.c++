@@ -63,13 +63,13 @@ Widget attributeRow(const char* gridName, const char* toggleName, Widget parent,
   return grid;
 }
 
-// Keys a user of any text editor expects; Motif's defaults leave End and
-// Home to the virtual bindings, which some keyboards never produce.
+// End and Home move within the line, with Ctrl to the end and start of the
+// whole command.
 const char kCommandTextKeys[] =
-    "<Key>End: end-of-line()\n"
-    "Ctrl<Key>End: end-of-file()\n"
-    "<Key>Home: beginning-of-line()\n"
-    "Ctrl<Key>Home: beginning-of-file()";
+    "<Key>osfEndLine: end-of-line()\n"
+    "Ctrl<Key>osfEndLine: end-of-file()\n"
+    "<Key>osfBeginLine: beginning-of-line()\n"
+    "Ctrl<Key>osfBeginLine: beginning-of-file()";
 
 // A command of one or more lines: Return starts a new line (Assign writes
 // the line breaks as ";").
