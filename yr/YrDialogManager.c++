@@ -100,6 +100,12 @@ Widget YrDialogManager::dialog() {
 // window of the program would see a key again.
 void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
   if (event->type != MapNotify || !XtIsRealized(shell)) return;
+  // The dialog may have been answered and taken down again before its
+  // MapNotify is seen; focus on an unmapped window is a fatal BadMatch.
+  XWindowAttributes attributes{};
+  if (!XGetWindowAttributes(XtDisplay(shell), XtWindow(shell), &attributes) ||
+      attributes.map_state != IsViewable)
+    return;
   XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToPointerRoot, CurrentTime);
 }
 
