@@ -21,6 +21,13 @@
 #                              window shows a change
 #   main_reacts                the same with a tab other than the current
 : "${out:=$work}"
+
+# What the screen showed when a check failed goes beside the screenshots.
+fail() {
+  import -window root "$out/failure.png" 2>/dev/null || true
+  echo "${fail_prefix:-FAIL}: $* (the screen: $out/failure.png)" >&2
+  exit 1
+}
 send_wm_close=${send_wm_close:-send_wm_close}
 
 # Viewable windows without a name at least 20 pixels wide: Motif's menus.
