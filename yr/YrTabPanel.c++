@@ -61,8 +61,7 @@ int YrTabPanel::indexOf(const char* name) const {
 
 void YrTabPanel::setTabPixmap(int index, Pixmap pixmap) {
   if (Widget w = tab(index))
-    XtVaSetValues(w, XmNlabelType, XmPIXMAP, XmNlabelPixmap, pixmap, XmNmarginWidth, 0,
-                  XmNmarginHeight, 0, XmNborderWidth, 0, nullptr);
+    XtVaSetValues(w, XmNlabelType, XmPIXMAP, XmNlabelPixmap, pixmap, nullptr);
 }
 
 void YrTabPanel::setTabLabel(int index, const char* text) {

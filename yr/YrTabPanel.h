@@ -27,7 +27,7 @@ class YrTabPanel : public YrComponent {
   int indexOf(const char* name) const;
 
   /// A picture tab fills its button; a text tab gets a frame, margins and
-  /// spacing from its neighbours.
+  /// spacing from its neighbours (a panel shows either pictures or texts).
   void setTabPixmap(int index, Pixmap pixmap);
   void setTabLabel(int index, const char* text);
   static constexpr int kTextMarginWidth = 12;
