@@ -20,6 +20,7 @@
 #   tab N                      chooses tab N (0 to 4) and waits until the
 #                              window shows a change
 #   main_reacts                the same with a tab other than the current
+#   main_settled               until the main window stops changing
 : "${out:=$work}"
 
 # What the screen showed when a check failed goes beside the screenshots.
@@ -72,6 +73,13 @@ wait_window() {
   }
   poll 10 settled || fail "window '$1' did not settle"
   echo "$id"
+}
+# main_settled: the main window has stopped changing (a long operation
+# drawing its outcome is over).
+main_settled() {
+  shot settle_a
+  still() { shot settle_b; ! differ settle_a settle_b || { cp "$out/settle_b.png" "$out/settle_a.png"; false; }; }
+  poll 20 still || fail "the main window did not settle"
 }
 wait_gone() {
   gone() { [[ -z $(visible "^$1\$") ]]; }
