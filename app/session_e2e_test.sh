@@ -65,7 +65,7 @@ field 705 325 2
 settle "Assign of the image" click 610 194
 settle "Add under the image" click 191 221        # a new subsystem, selected
 field 705 239 tools
-field 705 282 '"Tööl Fïles"'                  # typed UTF-8 must be kept
+field 705 282 '"Tööl Files"'                  # typed UTF-8 must be kept
 click 462 349                                     # Default
 settle "Assign of the subsystem" click 610 194
 shot tab0_hierarchy

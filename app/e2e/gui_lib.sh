@@ -95,7 +95,10 @@ click_in() {
   (( dy < 0 )) && dy=$((HEIGHT + dy))
   xdotool mousemove --sync $((X + dx)) $((Y + dy)) click 1
 }
-type_text() { xdotool type --delay 5 -- "$1"; }
+# xdotool types a letter missing from the keyboard map by remapping a spare
+# key for it; two different such letters in quick succession may reach the
+# program before it has seen the second remapping, so keep to one.
+type_text() { xdotool type --delay 12 -- "$1"; }
 # clear_field: empties the field that has the focus (up to 120 characters).
 clear_field() { xdotool key End; xdotool key --repeat 120 --delay 1 BackSpace; }
 
