@@ -291,3 +291,58 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
 }
 
 }  // namespace
+
+namespace {
+
+struct Rect {
+  int left, top, right, bottom;
+};
+
+// Where a widget lies on the screen.
+Rect screenRect(Widget w) {
+  Position x = 0, y = 0;
+  XtTranslateCoords(w, 0, 0, &x, &y);
+  Dimension width = 0, height = 0;
+  XtVaGetValues(w, XmNwidth, &width, XmNheight, &height, nullptr);
+  return {x, y, x + width, y + height};
+}
+
+// At the window's default size a subsystem's details show every control,
+// mapping and rules with several lines each, and the attributes panel needs
+// no horizontal scrolling.  (Both were cut off at the window's edge, and
+// the layout tests, which check names and parents, could not see it.)
+TEST_F(ViewWiringTest, PanelsFitTheDefaultWindow) {
+  clickNode("my_product.sw.base");
+  UiTestApp::flush();
+  Rect window = screenRect(view->baseWidget());
+  for (const char* name : {"subsysNameTextField", "subsysIdTextField", "patchToggleButton",
+                           "mappingText", "rulesText", "prereqPushButton", "incompatPushButton",
+                           "replacesPushButton", "applyArrowButton"}) {
+    Widget w = find(view->specDetail(), name);
+    ASSERT_NE(nullptr, w) << name;
+    EXPECT_TRUE(XtIsManaged(w) && XtIsRealized(w)) << name;
+    Rect r = screenRect(w);
+    EXPECT_LE(r.bottom, window.bottom) << name;
+    EXPECT_LE(r.right, window.right) << name;
+  }
+  // A line of the text font is about 17 pixels.
+  EXPECT_GE(screenRect(find(view->specDetail(), "mappingText")).bottom -
+                screenRect(find(view->specDetail(), "mappingText")).top,
+            40);
+  EXPECT_GE(screenRect(find(view->specDetail(), "rulesText")).bottom -
+                screenRect(find(view->specDetail(), "rulesText")).top,
+            60);
+
+  view->setView(3);
+  UiTestApp::flush();
+  Widget scrolled = XtNameToWidget(view->baseWidget(), "*FileListAttrs.scrolledWindow");
+  ASSERT_NE(nullptr, scrolled);
+  Widget clip = nullptr;
+  XtVaGetValues(scrolled, XmNclipWindow, &clip, nullptr);
+  Dimension clipWidth = 0, contentWidth = 0;
+  XtVaGetValues(clip, XmNwidth, &clipWidth, nullptr);
+  XtVaGetValues(XtNameToWidget(scrolled, "*rowColumn"), XmNwidth, &contentWidth, nullptr);
+  EXPECT_LE(contentWidth, clipWidth);
+}
+
+}  // namespace

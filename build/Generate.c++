@@ -167,6 +167,8 @@ bool Generate::startProgram(const std::vector<std::string>& argv) {
   std::string error;
   if (!program->start(argv, &error)) {
     _reporter.logMessage(error);
+    // A build that never ran has ended all the same.
+    _reporter.logMessage("Done.");
     return false;
   }
   _runs.push_back(std::move(program));

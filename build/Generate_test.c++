@@ -269,8 +269,10 @@ TEST_F(GenerateTest, ProgramThatCannotStartIsLogged) {
   putUserResource(_shell, ("*buildProgram: " + dir.file("nosuch")).c_str());
   EXPECT_FALSE(panel->run("-all"));
   std::vector<std::string> log = reporter.texts("log");
-  ASSERT_EQ(2u, log.size());
+  ASSERT_EQ(3u, log.size());
   EXPECT_EQ("Couldn't start " + dir.file("nosuch") + " (No such file or directory)", log[1]);
+  // The run has ended, even though it never started.
+  EXPECT_EQ("Done.", log[2]);
 }
 
 TEST_F(GenerateTest, FieldsAndLabel) {

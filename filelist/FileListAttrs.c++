@@ -8,6 +8,7 @@
 #include "filelist/PanelFields.h"
 #include "mach/MachTables.h"
 #include "util/Reporter.h"
+#include "util/XmUtils.h"
 #include "yr/YrDialogManager.h"
 
 namespace {
@@ -98,7 +99,7 @@ AttrsState FileListAttrs::state() const {
   AttrsState s;
   for (int op = 0; op < AttrsState::kOps; op++) {
     s.opOn[op] = isOn(opToggle(op));
-    s.opText[op] = fieldText(opText(op));
+    s.opText[op] = fieldValue(opText(op));
   }
   s.configOn = isOn(_attrsConfigToggleButton);
   Widget shown = nullptr;
@@ -130,7 +131,7 @@ void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
 }
 
 void FileListAttrs::attrsClear() {
-  for (int op = 0; op < AttrsState::kOps; op++) XmTextSetString(opText(op), const_cast<char*>(""));
+  for (int op = 0; op < AttrsState::kOps; op++) showFieldValue(opText(op), "");
   for (Widget t : {_attrsConfigToggleButton, _attrsExitOpToggleButton, _attrsShadowToggleButton,
                    _attrsNoShareToggleButton, _attrsNoStripToggleButton, _attrsNoRqsToggleButton,
                    _attrsStripDSOToggleButton, _attrsPostOpToggleButton, _attrsPreOpToggleButton,
@@ -146,7 +147,7 @@ void FileListAttrs::attrsClearPushButton(Widget, XtPointer) { attrsClear(); }
 // ---- the software attributes -----------------------------------------------------------
 
 void FileListAttrs::opTextChanged(AttrsState::Op op) {
-  setState(opToggle(op), !fieldText(opText(op)).empty());
+  setState(opToggle(op), !fieldValue(opText(op)).empty());
 }
 
 void FileListAttrs::attrsPreOpText(Widget, XtPointer) { opTextChanged(AttrsState::PreOp); }
@@ -162,8 +163,7 @@ void FileListAttrs::setCurrent(const std::vector<std::string>& attrs) {
   attrsClear();
   AttrsState s = AttrsText::read(attrs);
   for (int op = 0; op < AttrsState::RemoveOp; op++)
-    if (!s.opText[op].empty())
-      XmTextSetString(opText(op), const_cast<char*>(s.opText[op].c_str()));
+    if (!s.opText[op].empty()) showFieldValue(opText(op), s.opText[op]);
   if (s.configOn) {
     Widget entry = s.config == AttrsState::Suggest    ? _configSuggestPushButton
                    : s.config == AttrsState::NoUpdate ? _configNoUpdatePushButton

@@ -195,10 +195,12 @@ void FileListTags::deletePushButton(Widget, XtPointer) {
   if (p == 0) return;
   XmListDeletePos(_tagsList, p);
   int count = itemCount();
+  // Position 0 is Motif's name for the last item: deleting the first of
+  // two leaves the remaining one selected.
   if (count > p)
     selectQuietly(p);
   else if (count > 0)
-    selectQuietly(p - 1);
+    selectQuietly(p > 1 ? p - 1 : count);
 }
 
 void FileListTags::replacePushButton(Widget, XtPointer) {

@@ -97,6 +97,8 @@ TEST_F(FileListTagsTest, DeleteAndReplaceKeepOneSelection) {
       {{"a", "b", "c"}, 1, "deletePushButton", "", {"b", "c"}, 1},
       {{"a", "b", "c"}, 2, "deletePushButton", "", {"a", "c"}, 1},
       {{"a"}, 1, "deletePushButton", "", {}, 0},
+      {{"a", "b"}, 1, "deletePushButton", "", {"b"}, 1},
+      {{"a", "b"}, 2, "deletePushButton", "", {"a"}, 1},
       {{"a", "b"}, 0, "deletePushButton", "", {"a", "b"}, 0},
       {{"a", "b", "c"}, 2, "replacePushButton", "x", {"a", "x", "c"}, 2},
       {{"a", "b", "c"}, 2, "replacePushButton", "b", {"a", "b", "c"}, 2},

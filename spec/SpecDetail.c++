@@ -18,6 +18,7 @@
 #include "spec/SpecReader.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
+#include "util/XmUtils.h"
 
 const char* const SpecDetail::kUnquotedBlank =
     "The Description contains an UNQUOTED BLANK.\n\nUse double quotes:  \"My Product "
@@ -34,19 +35,10 @@ const char* const SpecDetail::kNoNodeSelected =
 
 namespace {
 
-std::string fieldText(Widget w) {
-  char* text = XmIsTextField(w) ? XmTextFieldGetString(w) : XmTextGetString(w);
-  std::string out = text ? text : "";
-  XtFree(text);
-  return out;
-}
+// A value too long to draw is shown cut and read whole (XmUtils).
+std::string fieldText(Widget w) { return fieldValue(w); }
 
-void setText(Widget w, const std::string& text) {
-  if (XmIsTextField(w))
-    XmTextFieldSetString(w, const_cast<char*>(text.c_str()));
-  else
-    XmTextSetString(w, const_cast<char*>(text.c_str()));
-}
+void setText(Widget w, const std::string& text) { showFieldValue(w, text); }
 
 void setToggle(Widget w, bool on) { XmToggleButtonSetState(w, on, False); }
 bool toggleState(Widget w) { return XmToggleButtonGetState(w); }
@@ -311,6 +303,8 @@ bool SpecDetail::assignProduct() {
 
 void SpecDetail::insertRule(const char* format) {
   if (!_current) return;
+  // Rules shown cut are read-only: inserting would make the cut text the value.
+  if (!XmTextGetEditable(_rulesText)) return;
   std::string text = ::format(format, _current->getTag().c_str());
   XmTextPosition at = XmTextGetInsertionPosition(_rulesText);
   XmTextInsert(_rulesText, at, &text[0]);

@@ -1,8 +1,10 @@
 #include "util/XmUtils.h"
 
+#include <Xm/Text.h>
 #include <Xm/TextF.h>
 
 #include <string>
+#include <unordered_map>
 
 void deblankTextField(Widget textField) {
   char* text = XmTextFieldGetString(textField);
@@ -47,4 +49,79 @@ XmString* xs_str_array_to_xmstr_array(char** strings, int n) {
   XmString* array = reinterpret_cast<XmString*>(XtMalloc(sizeof(XmString) * static_cast<unsigned>(n)));
   for (int i = 0; i < n; ++i) array[i] = XmStringCreateLtoR(strings[i], XmFONTLIST_DEFAULT_TAG);
   return array;
+}
+
+namespace {
+
+// The whole values of the fields that show theirs cut, by field.
+struct CutValue {
+  std::string shown;
+  std::string whole;
+};
+std::unordered_map<Widget, CutValue>& cutValues() {
+  static std::unordered_map<Widget, CutValue> values;
+  return values;
+}
+
+void forgetCutValue(Widget w, XtPointer, XtPointer) { cutValues().erase(w); }
+
+std::string textOf(Widget field) {
+  char* text = XmIsTextField(field) ? XmTextFieldGetString(field) : XmTextGetString(field);
+  std::string out = text ? text : "";
+  XtFree(text);
+  return out;
+}
+
+void setTextOf(Widget field, const std::string& text) {
+  if (XmIsTextField(field)) {
+    XmTextFieldSetString(field, const_cast<char*>(text.c_str()));
+    XmTextFieldSetInsertionPosition(field, 0);
+    XmTextFieldShowPosition(field, 0);
+  } else {
+    XmTextSetString(field, const_cast<char*>(text.c_str()));
+    XmTextSetInsertionPosition(field, 0);
+    XmTextShowPosition(field, 0);
+  }
+}
+
+}  // namespace
+
+std::string shownValue(const std::string& value) {
+  if (value.size() <= kLongestShownValue) return value;
+  size_t end = kShownPartOfCutValue;
+  // Back to the start of a UTF-8 character (continuation bytes are 10xxxxxx).
+  while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0) == 0x80) --end;
+  return "[CUT: " + std::to_string(value.size()) + " bytes, too long to show; kept whole] " +
+         value.substr(0, end) + " ...";
+}
+
+void showFieldValue(Widget field, const std::string& value) {
+  std::string shown = shownValue(value);
+  auto& values = cutValues();
+  auto known = values.find(field);
+  if (shown.size() == value.size()) {
+    if (known != values.end()) {
+      values.erase(known);
+      XtVaSetValues(field, XmNeditable, True, nullptr);
+    }
+    setTextOf(field, value);
+    return;
+  }
+  if (known == values.end()) XtAddCallback(field, XmNdestroyCallback, &forgetCutValue, nullptr);
+  values[field] = {shown, value};
+  XtVaSetValues(field, XmNeditable, False, nullptr);
+  setTextOf(field, shown);
+}
+
+std::string fieldValue(Widget field) {
+  std::string text = textOf(field);
+  auto known = cutValues().find(field);
+  if (known != cutValues().end() && known->second.shown == text) return known->second.whole;
+  return text;
+}
+
+void setLabelValue(Widget label, const std::string& value) {
+  XmString s = XmStringCreateLocalized(const_cast<char*>(shownValue(value).c_str()));
+  XtVaSetValues(label, XmNlabelString, s, nullptr);
+  XmStringFree(s);
 }

@@ -1,6 +1,7 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <string>
 
 #include <X11/Shell.h>
@@ -66,6 +67,45 @@ TEST_F(XmUtilsTest, CompoundStringsFromArrays) {
   XmStringFree(array[0]);
   XmStringFree(array[1]);
   XtFree(reinterpret_cast<char*>(array));
+}
+
+}  // namespace
+
+namespace {
+
+// A value too long to draw is shown cut with a mark, read-only, and read
+// back whole; a value put in afterwards makes the field ordinary again.
+// (A 1 MB value drawn whole ends the program with BadLength.)
+TEST_F(XmUtilsTest, LongValuesAreShownCutAndKeptWhole) {
+  // The program runs in the user's locale; a field made in a UTF-8 one
+  // keeps non-ASCII letters.
+  std::string before = std::setlocale(LC_CTYPE, nullptr);
+  ASSERT_TRUE(std::setlocale(LC_CTYPE, "C.UTF-8"));
+  XtDestroyWidget(_field);
+  _field = XmCreateTextField(_top, const_cast<char*>("utf8Field"), nullptr, 0);
+  XtManageChild(_field);
+  std::string whole(1 << 20, 'x');
+  whole.replace(kShownPartOfCutValue - 1, 2, "\xc3\xbc");  // a "ü" across the cut
+  showFieldValue(_field, whole);
+  UiTestApp::flush();
+  std::string shown = text();
+  EXPECT_EQ(0u, shown.find("[CUT: 1048576 bytes, too long to show; kept whole] ")) << shown.substr(0, 80);
+  EXPECT_LT(shown.size(), kShownPartOfCutValue + 100);
+  // The cut does not split the two bytes of the letter.
+  EXPECT_EQ(std::string::npos, shown.find("\xc3 ..."));
+  EXPECT_FALSE(XmTextFieldGetEditable(_field));
+  EXPECT_EQ(whole, fieldValue(_field));
+
+  showFieldValue(_field, "/srv/\xc3\xbc" "n\xc3\xaf" "code");
+  EXPECT_TRUE(XmTextFieldGetEditable(_field));
+  EXPECT_EQ("/srv/\xc3\xbc" "n\xc3\xaf" "code", fieldValue(_field));
+
+  // Exactly at the limit is still shown whole.
+  std::string limit(kLongestShownValue, 'y');
+  showFieldValue(_field, limit);
+  EXPECT_EQ(limit, text());
+  EXPECT_TRUE(XmTextFieldGetEditable(_field));
+  std::setlocale(LC_CTYPE, before.c_str());
 }
 
 }  // namespace

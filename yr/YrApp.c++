@@ -7,19 +7,47 @@
 #include <Xm/MessageB.h>
 #include <Xm/Xm.h>
 
+#include <X11/Xlocale.h>
+
 #include <algorithm>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 
+#include "yr/YrDialogManager.h"
+
 namespace {
 YrApp* gTheApp = nullptr;
+
+// Xt calls this while opening the display, with the language the
+// resources or LANG name.  Text fields then take the user's characters
+// (UTF-8 paths among them) and the help client sees the locale; numbers in
+// files and fields stay in the C form whatever the locale writes.
+String setLanguage(Display*, String language, XtPointer) {
+  if (!std::setlocale(LC_ALL, language ? language : "")) {
+    std::fprintf(stderr, "Locale '%s' is not supported; using C.\n", language ? language : "");
+    std::setlocale(LC_ALL, "C");
+  }
+  if (!XSupportsLocale()) {
+    std::fprintf(stderr, "X does not support locale '%s'; using C.\n",
+                 std::setlocale(LC_CTYPE, nullptr));
+    std::setlocale(LC_ALL, "C");
+  }
+  std::setlocale(LC_NUMERIC, "C");
+  XSetLocaleModifiers("");
+  return std::setlocale(LC_CTYPE, nullptr);
 }
+
+}  // namespace
+
+void YrApp::setLanguageProc() { XtSetLanguageProc(nullptr, &setLanguage, nullptr); }
 
 YrApp* YrApp::theApp() { return gTheApp; }
 
 YrApp::YrApp(const char* appClassName, int* argc, char** argv, XrmOptionDescRec* options,
              Cardinal numOptions, const char* const* fallback)
     : _class(appClassName) {
+  setLanguageProc();
   XtToolkitInitialize();
   _context = XtCreateApplicationContext();
   if (fallback) XtAppSetFallbackResources(_context, const_cast<String*>(fallback));
@@ -116,6 +144,8 @@ void YrApp::busy(const char* message, Widget parent) {
     XtUnmanageChild(XmMessageBoxGetChild(_busyDialog, XmDIALOG_CANCEL_BUTTON));
     XtUnmanageChild(XmMessageBoxGetChild(_busyDialog, XmDIALOG_HELP_BUTTON));
     XtVaSetValues(XtParent(_busyDialog), XmNtitle, "Busy", nullptr);
+    // Nothing to answer, but a window manager's Close still hides it.
+    yrOnWindowClose(XtParent(_busyDialog), &YrApp::busyDialogClosed, this);
   }
   XmString text = XmStringCreateLocalized(const_cast<char*>(_busyMessage.c_str()));
   XtVaSetValues(_busyDialog, XmNmessageString, text, nullptr);
@@ -134,6 +164,11 @@ void YrApp::notBusy() {
     XtDestroyWidget(XtParent(_busyDialog));  // the dialog shell, and the box with it
     _busyDialog = nullptr;
   }
+}
+
+void YrApp::busyDialogClosed(Widget, XtPointer clientData, XtPointer) {
+  auto* app = static_cast<YrApp*>(clientData);
+  if (app->_busyDialog) XtUnmanageChild(app->_busyDialog);
 }
 
 int YrApp::run() {

@@ -17,6 +17,10 @@
 
 class YrApp {
  public:
+  /// Makes Xt set the process's locale from the user's environment when a
+  /// display is opened (the first constructor does it itself).
+  static void setLanguageProc();
+
   /// Opens the display named by the command line or DISPLAY.  options are
   /// the application's own command-line options (parsed and removed from
   /// argv by Xt); fallback holds resource lines used when the user's
@@ -87,6 +91,7 @@ class YrApp {
  private:
   void createShell(const char* const* fallback);
   void setBusyCursor(bool on);
+  static void busyDialogClosed(Widget, XtPointer, XtPointer);
 
   std::string _class;
   std::string _version;

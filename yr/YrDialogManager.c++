@@ -2,8 +2,10 @@
 
 #include <Xm/FileSB.h>
 #include <Xm/MessageB.h>
+#include <Xm/Protocols.h>
 #include <Xm/PushB.h>
 
+#include <cstring>
 #include <deque>
 #include <memory>
 
@@ -72,7 +74,71 @@ Widget YrDialogManager::dialog() {
   // Only the error, warning and question boxes have a use for Help once a
   // help server is there; until then it would do nothing.
   if (Widget h = button(Help)) XtUnmanageChild(h);
+  if (_kind == Error || _kind == Warning || _kind == Information) {
+    // A Cancel here would only repeat OK; Escape answers OK instead.
+    if (Widget c = button(Cancel)) XtUnmanageChild(c);
+    XtVaSetValues(_baseWidget, XmNcancelButton, button(Ok), nullptr);
+  }
+  Widget shell = XtParent(_baseWidget);
+  if (XtIsVendorShell(shell)) {
+    // The shell's own title is its widget name ("errorDialog_popup").
+    char* title = nullptr;
+    XtVaGetValues(shell, XmNtitle, &title, nullptr);
+    if (!title || std::strcmp(title, XtName(shell)) == 0)
+      XtVaSetValues(shell, XmNtitle, defaultTitle(), nullptr);
+    yrOnWindowClose(shell, &YrDialogManager::closeCallback, this);
+    // Keys answer a dialog only once it has the keyboard: a window manager
+    // hands it over on mapping, but without one (or with a lax one) Return
+    // and Escape would go to the window the dialog blocks.
+    XtAddEventHandler(shell, StructureNotifyMask, False, &YrDialogManager::focusOnMap, nullptr);
+  }
   return _baseWidget;
+}
+
+// When the dialog goes down the keyboard reverts to whatever window the
+// pointer is in (X's own default), never to the root window, where no
+// window of the program would see a key again.
+void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
+  if (event->type != MapNotify || !XtIsRealized(shell)) return;
+  // The dialog may have been answered and taken down again before its
+  // MapNotify is seen; focus on an unmapped window is a fatal BadMatch.
+  XWindowAttributes attributes{};
+  if (!XGetWindowAttributes(XtDisplay(shell), XtWindow(shell), &attributes) ||
+      attributes.map_state != IsViewable)
+    return;
+  XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToPointerRoot, CurrentTime);
+}
+
+const char* YrDialogManager::defaultTitle() const {
+  switch (_kind) {
+    case Error:
+      return "Error";
+    case Warning:
+      return "Warning";
+    case Question:
+      return "Question";
+    case Information:
+      return "Information";
+    case Working:
+      return "Working";
+    case Custom:
+      break;
+  }
+  return _name.c_str();
+}
+
+void YrDialogManager::closed() {
+  Widget c = button(Cancel);
+  if (c && XtIsManaged(c))
+    cancel(c, nullptr);
+  else
+    ok(button(Ok), nullptr);
+}
+
+void yrOnWindowClose(Widget shell, XtCallbackProc callback, XtPointer clientData) {
+  XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
+  Atom deleteWindow = XmInternAtom(XtDisplay(shell), const_cast<char*>("WM_DELETE_WINDOW"), False);
+  XmAddWMProtocolCallback(shell, deleteWindow, callback, clientData);
 }
 
 Widget YrDialogManager::button(Answer which) const {
@@ -160,6 +226,8 @@ void YrDialogManager::press(Answer which) {
 
 void YrDialogManager::answered(Answer a) {
   _answer = a;
+  // Down before the callback, which may post this same dialog again.
+  if (a != Help) unpost();
   Callback cb = a == Ok ? _ok : a == Cancel ? _cancel : _help;
   if (cb) cb(_clientData);
 }
@@ -176,6 +244,9 @@ void YrDialogManager::cancelCallback(Widget w, XtPointer clientData, XtPointer c
 }
 void YrDialogManager::helpCallback(Widget w, XtPointer clientData, XtPointer callData) {
   static_cast<YrDialogManager*>(clientData)->help(w, callData);
+}
+void YrDialogManager::closeCallback(Widget, XtPointer clientData, XtPointer) {
+  static_cast<YrDialogManager*>(clientData)->closed();
 }
 
 YrDialogManager* getTheErrorDialog() {

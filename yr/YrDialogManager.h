@@ -1,6 +1,13 @@
 // YrDialogManager: a dialog created on first use and reused, posted with a
 // message and optional callbacks, or posted and waited for (modal).
 //
+// Every answer takes the dialog down before its callback runs: OK, Cancel,
+// Return and Escape (through the box's default and cancel buttons) and a
+// window manager's Close, which answers Cancel where the dialog has one and
+// OK where it has not.  Motif leaves some boxes (file selection) up on
+// their own, and a modal box left up would lock the whole program.
+// Error, warning and information boxes offer OK alone.
+//
 // The program shares one error, one warning and one question dialog
 // (getTheErrorDialog() and friends).  Anything that drives the interface
 // without a user (tests, scripted runs) answers dialogs with
@@ -63,11 +70,18 @@ class YrDialogManager : public YrComponent {
   Widget dialog();
   Widget button(Answer which) const;
   void setAnswer(Answer a) { _answer = a; }
+  /// The window title used unless the resources give the dialog's shell
+  /// one ("Error", "Warning", ...).
+  virtual const char* defaultTitle() const;
+  /// A window manager's Close.
+  virtual void closed();
 
  private:
   static void okCallback(Widget, XtPointer, XtPointer);
   static void cancelCallback(Widget, XtPointer, XtPointer);
   static void helpCallback(Widget, XtPointer, XtPointer);
+  static void closeCallback(Widget, XtPointer, XtPointer);
+  static void focusOnMap(Widget, XtPointer, XEvent*, Boolean*);
   static void respondProc(XtPointer, XtIntervalId*);
   static void waitExpired(XtPointer, XtIntervalId*);
   void answered(Answer a);
@@ -85,5 +99,9 @@ class YrDialogManager : public YrComponent {
 YrDialogManager* getTheErrorDialog();
 YrDialogManager* getTheWarningDialog();
 YrDialogManager* getTheQuestionDialog();
+
+/// Makes a window manager's Close of shell call callback (with clientData)
+/// instead of whatever the shell would do by itself.
+void yrOnWindowClose(Widget shell, XtCallbackProc callback, XtPointer clientData);
 
 #endif

@@ -3,6 +3,8 @@
 #include <Xm/MessageB.h>
 #include <Xm/Xm.h>
 
+#include <unistd.h>
+
 #include <memory>
 #include <string>
 
@@ -138,6 +140,119 @@ TEST_F(YrDialogTest, FileSelectionReturnsTheChosenPathOnlyOnOk) {
   chosen = "unchanged";
   EXPECT_EQ(YrDialogManager::Cancel, fsb->postAndWait("Open Idb", "*idb", nullptr, &chosen));
   EXPECT_EQ("unchanged", chosen);
+}
+
+// What a window manager's Close sends: a real client message to the
+// dialog's shell, handled by the event loop like any other event.
+void sendWindowClose(Widget box) {
+  Widget shell = XtParent(box);
+  Display* display = XtDisplay(shell);
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = XtWindow(shell);
+  event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+  event.xclient.data.l[1] = CurrentTime;
+  XSendEvent(display, XtWindow(shell), False, NoEventMask, &event);
+  XFlush(display);
+}
+
+// Processes events until the dialog is down (or a second has passed).
+bool comesDown(YrDialogManager& d) {
+  for (int i = 0; i < 100 && d.isPosted(); i++) {
+    UiTestApp::flush();
+    while (XtAppPending(UiTestApp::context())) XtAppProcessEvent(UiTestApp::context(), XtIMAll);
+    if (d.isPosted()) usleep(10000);
+  }
+  return !d.isPosted();
+}
+
+std::string titleOf(YrDialogManager& d) {
+  char* title = nullptr;
+  XtVaGetValues(XtParent(d.baseWidget()), XmNtitle, &title, nullptr);
+  return title ? title : "";
+}
+
+// Every way of answering takes every kind of dialog down, the modal ones
+// included; the modal wait then returns what the answer meant.  (Answered
+// through callbacks alone, a file selection box used to stay up, modal,
+// while the wait returned.)
+TEST_F(YrDialogTest, EveryAnswerTakesTheDialogDown) {
+  enum Way { PressOk, PressCancel, Close };
+  struct Case {
+    YrDialogManager* dialog;
+    Way way;
+    YrDialogManager::Answer expected;
+  } cases[] = {
+      {getTheErrorDialog(), PressOk, YrDialogManager::Ok},
+      {getTheErrorDialog(), Close, YrDialogManager::Ok},
+      {getTheWarningDialog(), PressOk, YrDialogManager::Ok},
+      {getTheWarningDialog(), Close, YrDialogManager::Ok},
+      {getTheQuestionDialog(), PressOk, YrDialogManager::Ok},
+      {getTheQuestionDialog(), PressCancel, YrDialogManager::Cancel},
+      {getTheQuestionDialog(), Close, YrDialogManager::Cancel},
+      {getTheFileSelectionDialog(), PressOk, YrDialogManager::Ok},
+      {getTheFileSelectionDialog(), PressCancel, YrDialogManager::Cancel},
+      {getTheFileSelectionDialog(), Close, YrDialogManager::Cancel},
+      {getTheInterruptDialog(), PressCancel, YrDialogManager::Cancel},
+      {getTheInterruptDialog(), Close, YrDialogManager::Cancel},
+  };
+  int n = 0;
+  for (const Case& c : cases) {
+    std::string what = std::string(c.dialog->name()) + " way " + std::to_string(c.way);
+    bool wasUp = false;
+    YrDialogManager::queueResponder([&](YrDialogManager& d) {
+      wasUp = d.isPosted() && XtIsRealized(d.baseWidget());
+      if (c.way == Close)
+        sendWindowClose(d.baseWidget());
+      else
+        d.press(c.way == PressOk ? YrDialogManager::Ok : YrDialogManager::Cancel);
+    });
+    YrDialogManager::Answer a;
+    if (c.dialog == getTheFileSelectionDialog()) {
+      std::string chosen;
+      a = getTheFileSelectionDialog()->postAndWait("Save Spec", "*spec", "x.spec", &chosen);
+    } else {
+      a = c.dialog->postAndWait("text");
+    }
+    EXPECT_TRUE(wasUp) << what;
+    EXPECT_EQ(c.expected, a) << what;
+    EXPECT_TRUE(comesDown(*c.dialog)) << what;
+    ++n;
+  }
+  EXPECT_EQ(12, n);
+}
+
+TEST_F(YrDialogTest, DialogsHaveRealTitlesAndErrorsNoCancel) {
+  struct Case {
+    YrDialogManager* dialog;
+    const char* title;
+    bool cancel;
+  } cases[] = {
+      {getTheErrorDialog(), "Error", false},
+      {getTheWarningDialog(), "Warning", false},
+      {getTheQuestionDialog(), "Question", true},
+      {getTheInterruptDialog(), "Working", true},
+  };
+  for (const Case& c : cases) {
+    c.dialog->post("text");
+    EXPECT_EQ(c.title, titleOf(*c.dialog));
+    Widget cancel = XmMessageBoxGetChild(c.dialog->baseWidget(), XmDIALOG_CANCEL_BUTTON);
+    EXPECT_EQ(c.cancel, XtIsManaged(cancel)) << c.title;
+    c.dialog->unpost();
+  }
+}
+
+TEST_F(YrDialogTest, FileSelectionIsWideEnoughForItsPaths) {
+  YrDialogManager::queueResponder([](YrDialogManager& d) {
+    Dimension width = 0;
+    XtVaGetValues(d.baseWidget(), XmNwidth, &width, nullptr);
+    EXPECT_GE(width, 600);
+    d.press(YrDialogManager::Cancel);
+  });
+  std::string chosen;
+  getTheFileSelectionDialog()->postAndWait("Open Spec", "*spec", nullptr, &chosen);
 }
 
 TEST_F(YrDialogTest, InterruptIsSeenByThePoll) {

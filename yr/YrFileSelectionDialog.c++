@@ -7,7 +7,19 @@
 YrFileSelectionDialog::YrFileSelectionDialog(const char* name) : YrDialogManager(name, Custom) {}
 
 Widget YrFileSelectionDialog::createDialog(Widget parent) {
-  return XmCreateFileSelectionDialog(parent, const_cast<char*>(_name.c_str()), nullptr, 0);
+  // Wide enough for a directory, the filter and a proposed "dir/name.spec"
+  // to show whole; the box only grows from there.
+  Arg args[2];
+  XtSetArg(args[0], XmNwidth, 600);
+  XtSetArg(args[1], XmNresizePolicy, XmRESIZE_GROW);
+  Widget box = XmCreateFileSelectionDialog(parent, const_cast<char*>(_name.c_str()), args, 2);
+  // Typing goes to the name, where Return means OK.  The box binds Home
+  // and End of its name field to the file list; there they move in the name.
+  Widget text = XmFileSelectionBoxGetChild(box, XmDIALOG_TEXT);
+  XtVaSetValues(box, XmNinitialFocus, text, nullptr);
+  XtOverrideTranslations(text, XtParseTranslationTable("<Key>osfEndLine: end-of-line()\n"
+                                                       "<Key>osfBeginLine: beginning-of-line()"));
+  return box;
 }
 
 static std::string takeText(char* text) {

@@ -14,13 +14,3 @@ Widget YrGenericDialog::createDialog(Widget parent) {
   if (!_title.empty()) XtVaSetValues(XtParent(d), XmNtitle, _title.c_str(), nullptr);
   return d;
 }
-
-void YrGenericDialog::ok(Widget w, XtPointer callData) {
-  YrDialogManager::ok(w, callData);
-  unpost();
-}
-
-void YrGenericDialog::cancel(Widget w, XtPointer callData) {
-  YrDialogManager::cancel(w, callData);
-  unpost();
-}

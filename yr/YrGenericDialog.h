@@ -1,7 +1,8 @@
 // YrGenericDialog: a dialog with OK and Cancel buttons and contents of the
 // subclass's making.  Subclasses override createDialog() (call this one
 // first, then add one child, the work area, to the returned box) and ok();
-// the dialog stays up until ok() or cancel() takes it down.
+// an ok() that refuses the input returns without answering, and the dialog
+// stays up; Cancel and a window manager's Close take it down.
 #ifndef TAMBLIN_YR_YRGENERICDIALOG_H
 #define TAMBLIN_YR_YRGENERICDIALOG_H
 
@@ -14,9 +15,6 @@ class YrGenericDialog : public YrDialogManager {
 
  protected:
   Widget createDialog(Widget parent) override;
-  /// Default: takes the dialog down.
-  void ok(Widget w, XtPointer callData) override;
-  void cancel(Widget w, XtPointer callData) override;
 
   std::string _title;
 };

@@ -68,8 +68,13 @@ void YrTabPanel::setTabLabel(int index, const char* text) {
   Widget w = tab(index);
   if (!w) return;
   XmString s = XmStringCreateLocalized(const_cast<char*>(text));
-  XtVaSetValues(w, XmNlabelType, XmSTRING, XmNlabelString, s, nullptr);
+  // A text has no picture of a tab around it: a frame of its own (the
+  // window border, whatever shadow the owner gives the selected tab) and
+  // some room keep the tabs apart.
+  XtVaSetValues(w, XmNlabelType, XmSTRING, XmNlabelString, s, XmNmarginWidth, kTextMarginWidth,
+                XmNmarginHeight, kTextMarginHeight, XmNborderWidth, 1, nullptr);
   XmStringFree(s);
+  XtVaSetValues(_baseWidget, XmNspacing, kTextTabSpacing, nullptr);
 }
 
 bool YrTabPanel::selectTab(int index, bool notify) {

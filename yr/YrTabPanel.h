@@ -26,8 +26,13 @@ class YrTabPanel : public YrComponent {
   /// Index of the tab named name, or -1.
   int indexOf(const char* name) const;
 
+  /// A picture tab fills its button; a text tab gets a frame, margins and
+  /// spacing from its neighbours (a panel shows either pictures or texts).
   void setTabPixmap(int index, Pixmap pixmap);
   void setTabLabel(int index, const char* text);
+  static constexpr int kTextMarginWidth = 12;
+  static constexpr int kTextMarginHeight = 4;
+  static constexpr int kTextTabSpacing = 6;
 
   /// Makes index the current tab; with notify the select callbacks run as
   /// if the user had pressed it.  Returns false for an unknown tab.

@@ -54,24 +54,46 @@ Widget leftLabel(const char* name, Widget parent) {
 }
 
 // One attribute's row: a grid holding its toggle (and, for the operation
-// attributes, the command text beside it).
-Widget attributeRow(const char* gridName, const char* toggleName, Widget parent, Widget* toggle) {
-  Widget grid = createManagedGrid(gridName, parent, 1, 2);
+// attributes, the command text under it, as wide as the panel).
+Widget attributeRow(const char* gridName, const char* toggleName, Widget parent, Widget* toggle,
+                    int rows = 1) {
+  Widget grid = createManagedGrid(gridName, parent, rows, 1);
   *toggle = createManaged(toggleName, xmToggleButtonWidgetClass, grid,
-                          {{OvNcolumn, 0}, {OvNgravity, 4}, {OvNresizeHorizontal, False}});
+                          {{OvNrow, 0}, {OvNgravity, 4}, {OvNresizeHorizontal, False}});
   return grid;
 }
 
+// End and Home move within the line, with Ctrl to the end and start of the
+// whole command.
+const char kCommandTextKeys[] =
+    "<Key>osfEndLine: end-of-line()\n"
+    "Ctrl<Key>osfEndLine: end-of-file()\n"
+    "<Key>osfBeginLine: beginning-of-line()\n"
+    "Ctrl<Key>osfBeginLine: beginning-of-file()";
+
+// A command of one or more lines: Return starts a new line (Assign writes
+// the line breaks as ";").
 Widget commandText(const char* name, Widget grid) {
-  return createManaged(name, xmTextWidgetClass, grid,
-                       {{OvNcolumn, 1}, {XmNeditMode, XmSINGLE_LINE_EDIT}, {XmNcolumns, 20}});
+  Widget text = createManaged(name, xmTextWidgetClass, grid,
+                              {{OvNrow, 1},
+                               {XmNeditMode, XmMULTI_LINE_EDIT},
+                               {XmNrows, 2},
+                               // Not in columns: Motif counts them in the
+                               // font's widest glyph, far wider than text.
+                               {XmNwidth, 300},
+                               {OvNresizeHorizontal, True},
+                               {XmNwordWrap, False},
+                               {OvNresizeVertical, False}});
+  XtOverrideTranslations(text, XtParseTranslationTable(kCommandTextKeys));
+  return text;
 }
 
-// The toggles of a hardware group go here at run time, in four columns.
-Widget toggleGroup(const char* name, Widget parent) {
+// The toggles of a hardware group go here at run time, in columns: the
+// boards' short names four to a row, the models' descriptions one.
+Widget toggleGroup(const char* name, Widget parent, int columns) {
   return createManaged(name, xmRowColumnWidgetClass, parent,
                        {{XmNorientation, XmVERTICAL}, {XmNpacking, XmPACK_COLUMN},
-                        {XmNnumColumns, 4}});
+                        {XmNnumColumns, columns}});
 }
 
 }  // namespace
@@ -85,10 +107,17 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   _scrolledWindow = createManaged("scrolledWindow", xmScrolledWindowWidgetClass, _baseWidget,
                                   {{OvNrow, 0},
                                    {XmNscrollingPolicy, XmAUTOMATIC},
+                                   {XmNscrollBarDisplayPolicy, XmAS_NEEDED},
                                    {XmNwidth, 390},
                                    {XmNheight, 520}});
   _rowColumn = createManaged("rowColumn", xmRowColumnWidgetClass, _scrolledWindow,
                              {{XmNorientation, XmVERTICAL}});
+  // The controls take the width the panel shows, so that it scrolls up and
+  // down only.
+  Widget clip = nullptr;
+  XtVaGetValues(_scrolledWindow, XmNclipWindow, &clip, nullptr);
+  if (clip)
+    XtAddEventHandler(clip, StructureNotifyMask, False, &FileListAttrsUI::clipResized, this);
   _softAttrsLabel = leftLabel("softAttrsLabel", _rowColumn);
 
   _attrsConfigGrid = attributeRow("attrsConfigGrid", "attrsConfigToggleButton", _rowColumn,
@@ -118,16 +147,16 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   _attrsShadowGrid = attributeRow("attrsShadowGrid", "attrsShadowToggleButton", _rowColumn,
                                   &_attrsShadowToggleButton);
   _attrsPreOpGrid = attributeRow("attrsPreOpGrid", "attrsPreOpToggleButton", _rowColumn,
-                                 &_attrsPreOpToggleButton);
+                                 &_attrsPreOpToggleButton, 2);
   _attrsPreOpText = commandText("attrsPreOpText", _attrsPreOpGrid);
   _attrsPostOpGrid = attributeRow("attrsPostOpGrid", "attrsPostOpToggleButton", _rowColumn,
-                                  &_attrsPostOpToggleButton);
+                                  &_attrsPostOpToggleButton, 2);
   _attrsPostOpText = commandText("attrsPostOpText", _attrsPostOpGrid);
   _attrsExitOpGrid = attributeRow("attrsExitOpGrid", "attrsExitOpToggleButton", _rowColumn,
-                                  &_attrsExitOpToggleButton);
+                                  &_attrsExitOpToggleButton, 2);
   _attrsExitOpText = commandText("attrsExitOpText", _attrsExitOpGrid);
   _attrsRemoveOpGrid = attributeRow("attrsRemoveOpGrid", "attrsRemoveOpToggleButton", _rowColumn,
-                                    &_attrsRemoveOpToggleButton);
+                                    &_attrsRemoveOpToggleButton, 2);
   _attrsRemoveOpText = commandText("attrsRemoveOpText", _attrsRemoveOpGrid);
   _attrsNoShareGrid = attributeRow("attrsNoShareGrid", "attrsNoShareToggleButton", _rowColumn,
                                    &_attrsNoShareToggleButton);
@@ -157,7 +186,7 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   _attrsMachRowColumn = createManaged("attrsMachRowColumn", xmRowColumnWidgetClass,
                                       _attrsMachGrid, {{OvNrow, 1}, {XmNorientation, XmVERTICAL}});
   _attrsModelLabel = leftLabel("attrsModelLabel", _attrsMachRowColumn);
-  _attrsModelRowColumn = toggleGroup("attrsModelRowColumn", _attrsMachRowColumn);
+  _attrsModelRowColumn = toggleGroup("attrsModelRowColumn", _attrsMachRowColumn, 1);
   _attrsCpuLabel = leftLabel("attrsCpuLabel", _attrsMachRowColumn);
   _attrsCpuSpringBox = createManagedSpringBox("attrsCpuSpringBox", _attrsMachRowColumn);
   _r3kPushButton = createManaged("r3kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox);
@@ -165,11 +194,11 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   _attrsCpuSpringBox1 = createManagedSpringBox("attrsCpuSpringBox1", _attrsMachRowColumn);
   _r8kPushButton = createManaged("r8kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox1);
   _r10kPushButton = createManaged("r10kPushButton", xmPushButtonWidgetClass, _attrsCpuSpringBox1);
-  _attrsCpuBoardRowColumn = toggleGroup("attrsCpuBoardRowColumn", _attrsMachRowColumn);
+  _attrsCpuBoardRowColumn = toggleGroup("attrsCpuBoardRowColumn", _attrsMachRowColumn, 4);
   _attrsGfxBoardLabel = leftLabel("attrsGfxBoardLabel", _attrsMachRowColumn);
-  _attrsGfxBoardRowColumn = toggleGroup("attrsGfxBoardRowColumn", _attrsMachRowColumn);
+  _attrsGfxBoardRowColumn = toggleGroup("attrsGfxBoardRowColumn", _attrsMachRowColumn, 4);
   _attrsSubgrLabel = leftLabel("attrsSubgrLabel", _attrsMachRowColumn);
-  _attrsSubgrRowColumn = toggleGroup("attrsSubgrRowColumn", _attrsMachRowColumn);
+  _attrsSubgrRowColumn = toggleGroup("attrsSubgrRowColumn", _attrsMachRowColumn, 4);
 
   _attrsSpringBox = createManagedSpringBox("attrsSpringBox", _baseWidget,
                                            {{OvNrow, 1}, {OvNresizeVertical, False}});
@@ -197,6 +226,16 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
 }
 
 const char* FileListAttrsUI::className() const { return "FileListAttrsUI"; }
+
+void FileListAttrsUI::clipResized(Widget clip, XtPointer clientData, XEvent* event, Boolean*) {
+  if (event->type != ConfigureNotify) return;
+  auto* self = static_cast<FileListAttrsUI*>(clientData);
+  Dimension width = 0;
+  XtVaGetValues(self->_rowColumn, XmNwidth, &width, nullptr);
+  Dimension clipWidth = static_cast<Dimension>(event->xconfigure.width);
+  (void)clip;
+  if (clipWidth > 0 && clipWidth != width) XtVaSetValues(self->_rowColumn, XmNwidth, clipWidth, nullptr);
+}
 
 void FileListAttrsUI::attrsAssignArrowButton(Widget, XtPointer) {}
 void FileListAttrsUI::attrsConfigOptionMenu(Widget, XtPointer) {}

@@ -91,6 +91,7 @@ class FileListAttrsUI : public YrComponent {
   Widget _attrsAssignLabel = nullptr;
 
  private:
+  static void clipResized(Widget, XtPointer clientData, XEvent* event, Boolean*);
   static void attrsAssignArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
   static void attrsConfigOptionMenuCallback(Widget, XtPointer clientData, XtPointer callData);
   static void attrsConfigToggleButtonCallback(Widget, XtPointer clientData, XtPointer callData);

@@ -67,32 +67,41 @@ Widget fieldLabel(const char* name, Widget grid, int row = 0) {
                         {OvNresizeVertical, False}});
 }
 
-// A grid of a label over a text field, in row `row` of `parent`.
+// Field labels share one width, so that the fields line up.
+constexpr int kFieldLabelWidth = 130;
+
+// A grid of a label beside a text field, in row `row` of `parent`: beside
+// rather than above, so that a subsystem's mapping and rules keep room for
+// several lines at the window's default size.
 Widget labelledField(const char* gridName, Widget parent, int row, const char* labelName,
                      Widget* label, const char* fieldName, Widget* field) {
-  Widget grid = createManagedGrid(gridName, parent, 2, 1, {{OvNrow, row}, {OvNresizeVertical, False}});
-  *label = fieldLabel(labelName, grid);
+  Widget grid = createManagedGrid(gridName, parent, 1, 2, {{OvNrow, row}, {OvNresizeVertical, False}});
+  *label = createManaged(labelName, xmLabelWidgetClass, grid,
+                         {{OvNcolumn, 0}, {XmNalignment, XmALIGNMENT_BEGINNING}, {OvNgravity, 4},
+                          {XmNwidth, kFieldLabelWidth}, {XmNrecomputeSize, False},
+                          {OvNresizeHorizontal, False}, {OvNresizeVertical, False}});
   *field = createManaged(fieldName, xmTextFieldWidgetClass, grid,
-                         {{OvNrow, 1}, {OvNresizeVertical, False}});
+                         {{OvNcolumn, 1}, {XmNwidth, 200}, {OvNresizeVertical, False}});
   return grid;
 }
 
-Widget multiLineText(const char* name, Widget grid, int row) {
+// Sized in pixels: Motif counts columns in the font's widest glyph.
+Widget multiLineText(const char* name, Widget grid, int row, int rows) {
   return createManaged(name, xmTextWidgetClass, grid,
-                       {{OvNrow, row}, {XmNeditMode, XmMULTI_LINE_EDIT}, {XmNrows, 4},
-                        {XmNcolumns, 40}});
+                       {{OvNrow, row}, {XmNeditMode, XmMULTI_LINE_EDIT}, {XmNrows, rows},
+                        {XmNwidth, 300}});
 }
 
 Widget toggle(const char* name, Widget grid, int row) {
   return createManaged(name, xmToggleButtonWidgetClass, grid,
                        {{OvNrow, row}, {OvNgravity, 4}, {OvNresizeHorizontal, False},
-                        {OvNresizeVertical, False}});
+                        {OvNresizeVertical, False}, {XmNmarginHeight, 0}});
 }
 
 Widget templateButton(const char* name, Widget grid, int row) {
   return createManaged(name, xmPushButtonWidgetClass, grid,
                        {{OvNrow, row}, {OvNgravity, 4}, {OvNresizeHorizontal, False},
-                        {OvNresizeVertical, False}});
+                        {OvNresizeVertical, False}, {XmNmarginHeight, 1}});
 }
 
 struct ShowRequired {
@@ -167,14 +176,16 @@ void SpecDetailUI::buildSubsystemForm() {
   _patchToggleButton = toggle("patchToggleButton", _flagsGrid1, 3);
 
   _panedWindow = createManaged("panedWindow", xmPanedWindowWidgetClass, _subsysGrid, {{OvNrow, 4}});
-  _mappingGrid = createManagedGrid("mappingGrid", _panedWindow, 2, 1);
+  // Neither pane may be dragged shut: a patch subsystem's "follows" rule
+  // and its mapping must both stay in sight.
+  _mappingGrid = createManagedGrid("mappingGrid", _panedWindow, 2, 1, {{XmNpaneMinimum, 50}});
   _mappingLabel = fieldLabel("mappingLabel", _mappingGrid);
-  _mappingText = multiLineText("mappingText", _mappingGrid, 1);
+  _mappingText = multiLineText("mappingText", _mappingGrid, 1, 3);
   // The rule templates stand in a column under their label, below the
   // rules.
-  _rulesGrid = createManagedGrid("rulesGrid", _panedWindow, 6, 1);
+  _rulesGrid = createManagedGrid("rulesGrid", _panedWindow, 6, 1, {{XmNpaneMinimum, 150}});
   _rulesLabel = fieldLabel("rulesLabel", _rulesGrid);
-  _rulesText = multiLineText("rulesText", _rulesGrid, 1);
+  _rulesText = multiLineText("rulesText", _rulesGrid, 1, 4);
   _ruleButtonsLabel = fieldLabel("ruleButtonsLabel", _rulesGrid, 2);
   _prereqPushButton = templateButton("prereqPushButton", _rulesGrid, 3);
   XtAddCallback(_prereqPushButton, XmNactivateCallback, &SpecDetailUI::prereqPushButtonCallback,

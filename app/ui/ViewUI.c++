@@ -20,8 +20,10 @@ void attachAllSides(Widget w) {
 
 ViewUI::ViewUI(const char* name, Widget parent) : YrComponent(name) {
   installLayoutFonts(parent);
-  _baseWidget = XtVaCreateWidget(name, ovGridWidgetClass, parent, OvNnumRows, 2, XmNwidth, 838,
-                                 XmNheight, 710, nullptr);
+  // Taller than the panels' first design (710): a subsystem's mapping and
+  // rules then both show several lines; the window still fits 1280x1024.
+  _baseWidget = XtVaCreateWidget(name, ovGridWidgetClass, parent, OvNnumRows, 2, XmNwidth, kDefaultWidth,
+                                 XmNheight, kDefaultHeight, nullptr);
   installDestroyHandler();
 
   _viewPanedWindow = XtVaCreateManagedWidget("viewPanedWindow", xmPanedWindowWidgetClass,
@@ -40,7 +42,7 @@ ViewUI::ViewUI(const char* name, Widget parent) : YrComponent(name) {
       XmNcursorPositionVisible, False, nullptr);
 
   _viewForm = XtVaCreateManagedWidget("viewForm", xmFormWidgetClass, _viewPanedWindow, XmNwidth,
-                                      830, XmNheight, 589, nullptr);
+                                      830, XmNheight, kBodyHeight, nullptr);
   _rightForm = XtVaCreateManagedWidget("rightForm", xmFormWidgetClass, _viewForm, nullptr);
   _rightFrame = XtVaCreateManagedWidget("rightFrame", xmFrameWidgetClass, _viewForm, nullptr);
   _leftForm = XtVaCreateManagedWidget(
@@ -52,7 +54,7 @@ ViewUI::ViewUI(const char* name, Widget parent) : YrComponent(name) {
                   XmNleftWidget, _leftForm, nullptr);
 
   _specBody = XtVaCreateManagedWidget("specBody", xmFrameWidgetClass, _leftForm, XmNwidth, 390,
-                                      XmNheight, 589, nullptr);
+                                      XmNheight, kBodyHeight, nullptr);
   _permsBody = XtVaCreateManagedWidget("permsBody", xmFormWidgetClass, _leftForm, nullptr);
   _filesBody = XtVaCreateManagedWidget("filesBody", xmPanedWindowWidgetClass, _leftForm, nullptr);
   _addBody = XtVaCreateManagedWidget("addBody", xmFormWidgetClass, _filesBody, XmNheight, 384,

@@ -16,6 +16,12 @@ class ViewUI : public YrComponent {
   ViewUI(const char* name, Widget parent);
   const char* className() const override;
 
+  /// The window's default size: its contents' width and height.
+  static constexpr int kDefaultWidth = 838;
+  static constexpr int kDefaultHeight = 790;
+  /// The work area's height within it.
+  static constexpr int kBodyHeight = 669;
+
  protected:
   Widget _viewPanedWindow = nullptr;
   Widget _messageForm = nullptr;      // the message log pane

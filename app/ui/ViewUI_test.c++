@@ -68,7 +68,7 @@ TEST_F(ViewUITest, BodiesLieStackedOnTheLeftAndThePanelsOfTheRightBesideThem) {
   Widget base = view.baseWidget();
   Box grid = boxOf(base);
   EXPECT_EQ(838, grid.w);
-  EXPECT_EQ(710, grid.h);
+  EXPECT_EQ(790, grid.h);
 
   Box spec = boxOf(findWidget(base, "specBody"));
   for (const char* body : {"permsBody", "filesBody", "generateBody", "attrsBody"}) {
