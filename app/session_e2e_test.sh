@@ -48,9 +48,10 @@ settle() {
 }
 # field X Y TEXT: replaces a text field's text.
 field() { click "$1" "$2"; clear_field; type_text "$3"; }
-# The lists' filter fields select what they match as one types.
+# The browser's filter selects what it matches as one types; the idb's
+# filter runs on Return.
 browser_filter() { field 200 499 "$1"; }
-idb_filter() { field 615 760 "$1"; }
+idb_filter() { field 615 760 "$1"; xdotool key Return; }
 
 start_tamblin "$prog" -nofork
 

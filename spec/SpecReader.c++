@@ -161,8 +161,11 @@ SpecFieldCheck checkSpecField(SpecField field, int level, const std::string& val
     result.reason = "it is empty; write \"\" for an empty text";
     return result;
   }
+  // Without a '$' there is nothing to replace (and a long text must not be
+  // taken for a reference that grows too long).
   std::string substituted = value;
-  if (envsub(substituted) != EnvsubResult::kDone || substituted != value) {
+  if (value.find('$') != std::string::npos &&
+      (envsub(substituted) != EnvsubResult::kDone || substituted != value)) {
     result.reason =
         "reading the file would replace its environment references ($...) by their values";
     return result;

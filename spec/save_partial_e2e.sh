@@ -64,7 +64,7 @@ save_spec() {
     xdotool key Down Down Down Right
     sleep 0.3
     xdotool key Return
-    poll 5 shows questionDialog && return 0
+    poll 5 shows '^Question$' && return 0
   done
   return 1
 }
@@ -72,7 +72,7 @@ save_spec() {
 # answer LEFT|RIGHT: clicks the question's Yes (left) or No (right) button.
 answer() {
   local dialog
-  dialog=$(xdotool search --onlyvisible --name questionDialog | head -n1)
+  dialog=$(xdotool search --onlyvisible --name '^Question$' | head -n1)
   eval "$(xdotool getwindowgeometry --shell "$dialog")"
   if [[ $1 == LEFT ]]; then
     xdotool mousemove --sync $((X + 37)) $((Y + HEIGHT - 34)) click 1
@@ -84,7 +84,7 @@ answer() {
 save_spec || fail "no question after File > Save > Spec"
 import -window root "$out/save_partial_question.png"
 answer RIGHT  # No
-poll 10 bash -c '! xdotool search --onlyvisible --name questionDialog >/dev/null 2>&1' ||
+poll 10 bash -c '! xdotool search --onlyvisible --name "^Question$" >/dev/null 2>&1' ||
   fail "the question stayed up after No"
 [[ $(cat "$work/bad.spec") == "$original" ]] || fail "No changed the file: $(cat "$work/bad.spec")"
 
