@@ -42,8 +42,7 @@ void YrGraph::forgetNodes() {
 
 YrNode* YrGraph::addNode(const std::string& key, const std::string& name,
                          const std::string& label, YrNode* parent, void* userData) {
-  auto node = std::make_unique<YrNode>(_graph, key, name, label,
-                                       parent ? parent->baseWidget() : nullptr, userData);
+  auto node = std::make_unique<YrNode>(_graph, key, name, label, parent, userData);
   YrNode* raw = node.get();
   _nodes[key] = std::move(node);
   return raw;

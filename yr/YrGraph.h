@@ -4,7 +4,8 @@
 // The graph allows one selected node at a time; select() changes the
 // selection without calling the graph's callbacks, so that a model that
 // drives the selection is not told about its own change.  Node widgets
-// are destroyed with their YrNode.
+// are destroyed with their YrNode, and made only when the window first
+// shows them (see YrNode).
 #ifndef TAMBLIN_YR_YRGRAPH_H
 #define TAMBLIN_YR_YRGRAPH_H
 
