@@ -1108,3 +1108,15 @@ void OvGraphRemoveLazyNode(Widget graph, OvGraphLazyNode node) {
   s.lazy[node->slot].reset();
   layoutSoon(graph);
 }
+
+Boolean OvGraphLazyNodeBounds(Widget graph, OvGraphLazyNode node, OvGraphBounds* bounds) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node) return False;
+  layoutNowIfPending(graph);
+  GraphState& s = state(graph);
+  if (node->placed < 0 || node->placed >= static_cast<int>(s.placed.size()) ||
+      s.placed[node->placed].lazy != node)
+    return False;
+  const Placement& p = s.placed[node->placed];
+  *bounds = {p.x, p.y, p.width, p.height};
+  return True;
+}

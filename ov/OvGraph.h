@@ -102,6 +102,8 @@ struct OvGraphBounds {
 /// Where the layout puts node (laying out first if a layout is due); False
 /// when node is not a laid-out node of graph.
 Boolean OvGraphNodeBounds(Widget graph, Widget node, OvGraphBounds* bounds);
+/// The same for a lazy node, with or without its widget.
+Boolean OvGraphLazyNodeBounds(Widget graph, OvGraphLazyNode node, OvGraphBounds* bounds);
 /// The part of the layout the graph's window shows.
 void OvGraphGetView(Widget graph, OvGraphBounds* view);
 /// Scrolls as little as needed to show node.
