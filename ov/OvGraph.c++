@@ -83,6 +83,8 @@ struct GraphState {
   int making = 0;             // a node's widget is being made
   bool sizeChanged = false;   // a widget made turned out another size than measured
   bool laying = false;
+  // A node to scroll into view once the pending layout has placed it.
+  Widget revealDue = nullptr;
   Widget prototype = nullptr;  // measures labels for lazy nodes
   int padWidth = 0, padHeight = 0;
   XmRenderTable renderTable = nullptr;
@@ -457,6 +459,7 @@ void updateScrollBars(Widget graph) {
 
 void layout(Widget graph);
 void layoutOnce(Widget graph);
+void reveal(Widget graph, Widget node);
 
 void showViewport(Widget graph) {
   GraphState& s = state(graph);
@@ -501,6 +504,10 @@ void layout(Widget graph) {
     s.navigationDue = false;
     XmeNavigChangeManaged(graph);
   }
+  if (Widget node = s.revealDue) {
+    s.revealDue = nullptr;
+    reveal(graph, node);
+  }
 }
 
 void layoutOnce(Widget graph) {
@@ -537,10 +544,15 @@ void scrollTo(Widget graph, int x, int y) {
   showViewport(graph);
 }
 
-// Scrolls as little as needed to show node whole (as far as it fits).
+// Scrolls as little as needed to show node whole (as far as it fits).  With
+// a layout to come, once it is done: a model that selects as it reads a
+// hierarchy would otherwise lay the whole forest out at each selection.
 void reveal(Widget graph, Widget node) {
-  layoutNowIfPending(graph);
   GraphState& s = state(graph);
+  if (s.pendingLayout && !s.laying) {
+    s.revealDue = node;
+    return;
+  }
   auto at = s.indexOf.find(node);
   if (at == s.indexOf.end()) return;
   const Placement& p = s.placed[at->second];
@@ -848,6 +860,7 @@ void ConstraintDestroy(Widget gone) {
   // focus leaves a node being destroyed.
   if (++s.destroyedSinceLayout >= 16) _XmResetTravGraph(graph);
   unselect(graph, gone);
+  if (s.revealDue == gone) s.revealDue = nullptr;
   if (Widget parent = parentNodeOf(gone)) forgetParent(s, parent);
   s.shown.erase(std::remove(s.shown.begin(), s.shown.end(), gone), s.shown.end());
   auto placed = s.indexOf.find(gone);

@@ -106,7 +106,8 @@ Boolean OvGraphNodeBounds(Widget graph, Widget node, OvGraphBounds* bounds);
 Boolean OvGraphLazyNodeBounds(Widget graph, OvGraphLazyNode node, OvGraphBounds* bounds);
 /// The part of the layout the graph's window shows.
 void OvGraphGetView(Widget graph, OvGraphBounds* view);
-/// Scrolls as little as needed to show node.
+/// Scrolls as little as needed to show node (when a layout is due, as soon
+/// as it has placed the node).
 void OvGraphShowNode(Widget graph, Widget node);
 
 /// The selected nodes, in the order they were selected; the caller frees the
