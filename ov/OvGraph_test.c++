@@ -443,10 +443,12 @@ TEST_F(OvGraphTest, LazyNodesGetWidgetsOnlyInSightAndNeverOverlap) {
     parentOf.push_back(-1);
     for (int i = 0; i < 9; ++i) {
       int image = static_cast<int>(labels.size());
-      labels.push_back({"image", std::string(1 + (i * 7) % 30, 'W') + "\n" + std::to_string(i), &made});
+      std::string twoLines = std::string(1 + (i * 7) % 30, 'W') + "\n" + std::to_string(i);
+      labels.push_back({"image", twoLines, &made});
       parentOf.push_back(product);
       for (int k = 0; k < 10; ++k) {
-        labels.push_back({"subsystem", k == 3 ? "" : std::string(1 + (p + k * 11) % 37, 'i'), &made});
+        std::string label = k == 3 ? "" : std::string(1 + (p + k * 11) % 37, 'i');
+        labels.push_back({"subsystem", label, &made});
         parentOf.push_back(image);
       }
     }
