@@ -116,8 +116,8 @@ WidgetList OvGraphGetSelectedNodes(Widget graph, int* count);
 /// Unselects the listed nodes; with notify, calls the deselect callbacks if
 /// anything changed.
 void OvGraphUnselectNodes(Widget graph, WidgetList nodes, int count, Boolean notify);
-/// Selects one node, scrolling it into view; with notify, calls the
-/// select-node callbacks.
+/// Selects one node, scrolling it into view (as OvGraphShowNode does); with
+/// notify, calls the select-node callbacks.
 void OvGraphSelectNode(Widget graph, Widget node, Boolean notify);
 /// Lays the whole graph out again (the subtree argument is accepted for
 /// callers that changed only one subtree; the whole forest is placed).
