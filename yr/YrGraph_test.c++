@@ -150,6 +150,16 @@ TEST_F(YrGraphTest, NodesOutOfSightHaveNoWidgetUntilShownOrSelected) {
   EXPECT_GE(y, 0);
   EXPECT_LE(y + height, viewHeight);
   EXPECT_EQ(w, XmGetFocusWidget(graph->graphWidget()));
+  // The keys move the focus among the nodes in sight.
+  for (XmTraversalDirection direction : {XmTRAVERSE_UP, XmTRAVERSE_PREV}) {
+    ASSERT_TRUE(XmProcessTraversal(XmGetFocusWidget(graph->graphWidget()), direction));
+    Widget now = XmGetFocusWidget(graph->graphWidget());
+    ASSERT_NE(w, now);
+    ASSERT_EQ(graph->graphWidget(), XtParent(now));
+    XtVaGetValues(now, XmNy, &y, nullptr);
+    EXPECT_GE(y, 0) << XtName(now);
+    EXPECT_LE(y, viewHeight) << XtName(now);
+  }
 
   // Removed, made or not, they leave the root alone.
   for (int i = 0; i < 200; ++i) graph->removeNode(std::to_string(i));
