@@ -122,6 +122,7 @@ awk -v n2="$n2" -v n2000="$n2000" -v n20000="$n20000" -v fmt="$format" -v wheel=
   printf "  20,018 nodes:               %6.3f s  (target < 1 s)\n", n20000
   printf "  2 nodes over 20,018:        %6.3f s  (the large graph taken down)\n", replaced
   printf "  tamblin-cli format 20,018:  %6.3f s  (reference)\n", fmt
+  printf "  20,018 nodes / format:      %6.2fx\n", n20000 / fmt
   printf "  wheel turn at 20,018 nodes: %6.3f s mean, %.3f s worst of 10 (with the probe)\n", w[1], w[2]
 }'
 echo "screenshots: $shots/graph-2.png $shots/graph-20000.png $shots/graph-20000-scrolled.png"

@@ -7,6 +7,7 @@
 #include <Xm/XmP.h>
 
 #include <algorithm>
+#include <memory>
 #include <unordered_map>
 #include <string>
 #include <vector>
@@ -19,7 +20,22 @@
 // widgets, not declared in its public headers.)
 extern "C" void _XmResetTravGraph(Widget);
 
+// A node of the layout that may have no widget yet.
+struct OvGraphLazyNodeRec {
+  OvGraphLazyNodeRec* parent;
+  Widget widget = nullptr;
+  int width, height;  // outer size, measured while there is no widget
+  OvGraphNodeMaker maker;
+  XtPointer closure;
+  size_t slot = 0;   // in GraphState::lazy
+  int placed = -1;   // in GraphState::placed, once laid out
+  int children = 0;  // lazy nodes naming it as their parent
+  int scratch = 0;
+};
+
 namespace {
+
+using Lazy = OvGraphLazyNodeRec;
 
 // X coordinates are 16 bits, and a forest of 20,000 nodes is hundreds of
 // thousands of pixels high: the layout lives in coordinates of its own, and
@@ -33,7 +49,8 @@ constexpr int kScrollStep = 24;
 
 // Where the last layout put one node, in layout coordinates.
 struct Placement {
-  Widget widget;  // null once destroyed
+  Widget widget;  // null once destroyed, or while a lazy node has none
+  Lazy* lazy;     // null for a node that is only a widget, or once removed
   int x, y, width, height;
   int parent;  // index into the placements, -1 for a root
 };
@@ -58,6 +75,19 @@ struct GraphState {
   // nodes: it asks the server about the window each time, so it is told
   // once per batch of changes, with the layout.
   bool navigationDue = false;
+
+  // Lazy nodes in the order they were added (null: removed since the last
+  // layout), and the widgets made for them (a null node: being destroyed).
+  std::vector<std::unique_ptr<Lazy>> lazy;
+  std::unordered_map<Widget, Lazy*> lazyOf;
+  int making = 0;             // a node's widget is being made
+  bool sizeChanged = false;   // a widget made turned out another size than measured
+  bool laying = false;
+  // A node to scroll into view once the pending layout has placed it.
+  Widget revealDue = nullptr;
+  Widget prototype = nullptr;  // measures labels for lazy nodes
+  int padWidth = 0, padHeight = 0;
+  XmRenderTable renderTable = nullptr;
 
   // How many nodes name each widget as their parent: destroying a node
   // that is nobody's parent needs no search for orphans.
@@ -158,6 +188,7 @@ void forManagedChildren(Widget graph, F f) {
 
 struct Node {
   Widget widget = nullptr;
+  Lazy* lazy = nullptr;
   int width = 0, height = 0;  // outer size
   int depth = 0;
   int x = 0, y = 0;
@@ -167,11 +198,14 @@ struct Node {
 class Layout {
  public:
   explicit Layout(Widget graph) : _g(part(graph)) {
+    GraphState& s = state(graph);
     Cardinal children = reinterpret_cast<CompositeWidget>(graph)->composite.num_children;
     std::unordered_map<Widget, int> index;
     index.reserve(children);
-    _nodes.reserve(children);
+    _nodes.reserve(children + s.lazy.size());
     forManagedChildren(graph, [&](Widget w) {
+      // Lazy nodes' widgets are placed as their nodes, below.
+      if (w->core.being_destroyed || s.lazyOf.count(w)) return;
       index[w] = static_cast<int>(_nodes.size());
       int b = 2 * w->core.border_width;
       Node n;
@@ -186,6 +220,26 @@ class Layout {
         _roots.push_back(i);
       else
         _nodes[parent->second].children.push_back(i);
+    }
+    for (const std::unique_ptr<Lazy>& l : s.lazy) {
+      if (!l) continue;
+      l->scratch = static_cast<int>(_nodes.size());
+      Node n;
+      n.widget = l->widget;
+      n.lazy = l.get();
+      n.width = l->width;
+      n.height = l->height;
+      if (Widget w = l->widget) {
+        n.width = w->core.width + 2 * w->core.border_width;
+        n.height = w->core.height + 2 * w->core.border_width;
+      }
+      int i = static_cast<int>(_nodes.size());
+      _nodes.push_back(n);
+      // A parent comes before its children: it was added first.
+      if (l->parent)
+        _nodes[l->parent->scratch].children.push_back(i);
+      else
+        _roots.push_back(i);
     }
   }
 
@@ -223,9 +277,10 @@ class Layout {
     for (int i : _order) {
       const Node& n = _nodes[i];
       placedIndex[i] = static_cast<int>(s.placed.size());
-      s.indexOf[n.widget] = placedIndex[i];
+      if (n.widget) s.indexOf[n.widget] = placedIndex[i];
+      if (n.lazy) n.lazy->placed = placedIndex[i];
       s.columns[n.depth].push_back(placedIndex[i]);
-      s.placed.push_back({n.widget, n.x, n.y, n.width, n.height, -1});
+      s.placed.push_back({n.widget, n.lazy, n.x, n.y, n.width, n.height, -1});
     }
     for (int i : _order)
       for (int c : _nodes[i].children) s.placed[placedIndex[c]].parent = placedIndex[i];
@@ -327,8 +382,37 @@ void moveNode(Widget w, int x, int y) {
     XtMoveWidget(w, static_cast<Position>(x), static_cast<Position>(y));
 }
 
-// Gives the nodes inside the window their window positions and parks the
-// ones that left it.  Costs what the window shows, not what the graph holds.
+// Makes the widget of a lazy node, and first those of its ancestors (a
+// widget names its parent's).  The widget stands parked until placed.
+Widget make(Widget graph, Lazy* node) {
+  GraphState& s = state(graph);
+  std::vector<Lazy*> chain;
+  for (Lazy* l = node; l && !l->widget; l = l->parent) chain.push_back(l);
+  for (auto l = chain.rbegin(); l != chain.rend(); ++l) {
+    Lazy* n = *l;
+    ++s.making;
+    Widget w = n->maker(graph, n->parent ? n->parent->widget : nullptr, n->closure);
+    --s.making;
+    if (!w) return nullptr;
+    n->widget = w;
+    s.lazyOf[w] = n;
+    s.navigationDue = true;
+    if (n->placed >= 0 && n->placed < static_cast<int>(s.placed.size()) &&
+        s.placed[n->placed].lazy == n) {
+      Placement& p = s.placed[n->placed];
+      p.widget = w;
+      s.indexOf[w] = n->placed;
+      if (p.width != w->core.width + 2 * w->core.border_width ||
+          p.height != w->core.height + 2 * w->core.border_width)
+        s.sizeChanged = true;
+    }
+  }
+  return node->widget;
+}
+
+// Gives the nodes inside the window their window positions (making the
+// widgets of lazy nodes that have none) and parks the ones that left it.
+// Costs what the window shows, not what the graph holds.
 void placeVisible(Widget graph) {
   GraphState& s = state(graph);
   int vw = graph->core.width, vh = graph->core.height;
@@ -344,8 +428,10 @@ void placeVisible(Widget graph) {
       return s.placed[i].y + s.placed[i].height <= s.scrollY;
     });
     for (auto at = first; at != column.end() && s.placed[*at].y < s.scrollY + vh; ++at) {
-      const Placement& p = s.placed[*at];
-      if (!p.widget || p.x + p.width <= s.scrollX || p.x >= s.scrollX + vw) continue;
+      Placement& p = s.placed[*at];
+      if (p.x + p.width <= s.scrollX || p.x >= s.scrollX + vw) continue;
+      if (!p.widget && p.lazy) make(graph, p.lazy);
+      if (!p.widget) continue;
       moveNode(p.widget, p.x - s.scrollX, p.y - s.scrollY);
       stays[*at] = 1;
       now.push_back(p.widget);
@@ -371,13 +457,60 @@ void updateScrollBars(Widget graph) {
   if (s.vbar) set(s.vbar, s.height, graph->core.height, s.scrollY);
 }
 
+void layout(Widget graph);
+void layoutOnce(Widget graph);
+void reveal(Widget graph, Widget node);
+
 void showViewport(Widget graph) {
+  GraphState& s = state(graph);
   placeVisible(graph);
+  // A widget just made is not the size its label measured: place again.
+  if (s.sizeChanged && !s.laying) {
+    layout(graph);
+    return;
+  }
   updateScrollBars(graph);
   redraw(graph);
+  if (s.navigationDue && !s.laying) {
+    s.navigationDue = false;
+    XmeNavigChangeManaged(graph);
+  }
+}
+
+// Drops the lazy nodes removed since the last layout.
+void compactLazy(GraphState& s) {
+  size_t kept = 0;
+  for (size_t i = 0; i < s.lazy.size(); ++i)
+    if (s.lazy[i]) {
+      s.lazy[i]->slot = kept;
+      s.lazy[kept++] = std::move(s.lazy[i]);
+    }
+  s.lazy.resize(kept);
 }
 
 void layout(Widget graph) {
+  GraphState& s = state(graph);
+  s.laying = true;
+  compactLazy(s);
+  // Widgets made for the window may differ from their measure; a second
+  // pass places them as they are (the third never sees a change).
+  for (int pass = 0; pass < 3; ++pass) {
+    s.sizeChanged = false;
+    layoutOnce(graph);
+    if (!s.sizeChanged) break;
+  }
+  s.laying = false;
+  if (s.navigationDue) {
+    s.navigationDue = false;
+    XmeNavigChangeManaged(graph);
+  }
+  if (Widget node = s.revealDue) {
+    s.revealDue = nullptr;
+    reveal(graph, node);
+  }
+}
+
+void layoutOnce(Widget graph) {
   Layout l(graph);
   l.run();
   GraphState& s = state(graph);
@@ -393,10 +526,6 @@ void layout(Widget graph) {
     if (r == XtGeometryAlmost) XtMakeResizeRequest(graph, aw, ah, nullptr, nullptr);
   }
   showViewport(graph);
-  if (s.navigationDue) {
-    s.navigationDue = false;
-    XmeNavigChangeManaged(graph);
-  }
 }
 
 void layoutNowIfPending(Widget graph) {
@@ -415,10 +544,15 @@ void scrollTo(Widget graph, int x, int y) {
   showViewport(graph);
 }
 
-// Scrolls as little as needed to show node whole (as far as it fits).
+// Scrolls as little as needed to show node whole (as far as it fits).  With
+// a layout to come, once it is done: a model that selects as it reads a
+// hierarchy would otherwise lay the whole forest out at each selection.
 void reveal(Widget graph, Widget node) {
-  layoutNowIfPending(graph);
   GraphState& s = state(graph);
+  if (s.pendingLayout && !s.laying) {
+    s.revealDue = node;
+    return;
+  }
   auto at = s.indexOf.find(node);
   if (at == s.indexOf.end()) return;
   const Placement& p = s.placed[at->second];
@@ -449,13 +583,28 @@ void deferredLayout(XtPointer clientData, XtIntervalId*) {
 // A shown graph lays itself out once the changes of one callback are all
 // made (a hierarchy read from a file adds its nodes one by one; a layout
 // after each would make that quadratic).
+void layoutSoon(Widget graph);
+
 void autoLayout(Widget graph) {
   OvGraphPart& g = part(graph);
   if (g.auto_layout_mode == 0) return;
+  if (g.state->laying) {  // a widget made for the window changed size
+    g.state->sizeChanged = true;
+    return;
+  }
   if (!XtIsRealized(graph)) {
     layout(graph);
     return;
   }
+  layoutSoon(graph);
+}
+
+// Lazy nodes come and go without a change of the managed widgets, shown or
+// not: one layout for all the changes, when the event loop runs again or
+// when something asks where a node stands.
+void layoutSoon(Widget graph) {
+  OvGraphPart& g = part(graph);
+  if (g.auto_layout_mode == 0) return;
   if (!g.state->pendingLayout)
     g.state->pendingLayout =
         XtAppAddTimeOut(XtWidgetToApplicationContext(graph), 0, &deferredLayout, graph);
@@ -587,7 +736,8 @@ void Redisplay(Widget w, XEvent* event, Region region) {
   // only the visible part of it is sent.
   std::vector<XSegment> arcs;
   for (const Placement& c : s.placed) {
-    if (c.parent < 0 || !c.widget || !s.placed[c.parent].widget) continue;
+    if (c.parent < 0 || !(c.widget || c.lazy)) continue;
+    if (!(s.placed[c.parent].widget || s.placed[c.parent].lazy)) continue;
     const Placement& p = s.placed[c.parent];
     double x1 = p.x + p.width - s.scrollX, y1 = p.y + p.height / 2 - s.scrollY;
     double x2 = c.x - s.scrollX, y2 = c.y + c.height / 2 - s.scrollY;
@@ -646,13 +796,38 @@ XtGeometryResult GeometryManager(Widget child, XtWidgetGeometry* request, XtWidg
   return XtGeometryDone;
 }
 
+// The size a node's widget takes for label, from a widget of the node class
+// measured once: its padding around the label is the same for every node.
+void measure(Widget graph, XmString label, int* width, int* height) {
+  GraphState& s = state(graph);
+  if (!s.prototype) {
+    XmString sample = XmStringCreateLocalized(const_cast<char*>("Mg"));
+    s.prototype = XtVaCreateWidget("node", part(graph).default_node_class, graph,
+                                   XmNlabelString, sample, nullptr);
+    XtVaGetValues(s.prototype, XmNrenderTable, &s.renderTable, nullptr);
+    Dimension w = 0, h = 0;
+    if (s.renderTable) XmStringExtent(s.renderTable, sample, &w, &h);
+    int b = 2 * s.prototype->core.border_width;
+    s.padWidth = s.prototype->core.width + b - w;
+    s.padHeight = s.prototype->core.height + b - h;
+    XmStringFree(sample);
+  }
+  Dimension w = 0, h = 0;
+  if (s.renderTable && label) XmStringExtent(s.renderTable, label, &w, &h);
+  *width = w + s.padWidth;
+  *height = h + s.padHeight;
+}
+
 void ChangeManaged(Widget w) {
   // Nodes that left the graph's managed set leave the selection too.
   GraphState& s = state(w);
+  s.navigationDue = true;
+  // A lazy node's widget has its place already; traversal learns of it
+  // once the window's new widgets are all made.
+  if (s.making) return;
   s.selected.erase(std::remove_if(s.selected.begin(), s.selected.end(),
                                   [](Widget n) { return !XtIsManaged(n); }),
                    s.selected.end());
-  s.navigationDue = true;
   autoLayout(w);
   if (s.navigationDue && !s.pendingLayout) {  // no layout to come
     s.navigationDue = false;
@@ -685,12 +860,19 @@ void ConstraintDestroy(Widget gone) {
   // focus leaves a node being destroyed.
   if (++s.destroyedSinceLayout >= 16) _XmResetTravGraph(graph);
   unselect(graph, gone);
+  if (s.revealDue == gone) s.revealDue = nullptr;
   if (Widget parent = parentNodeOf(gone)) forgetParent(s, parent);
   s.shown.erase(std::remove(s.shown.begin(), s.shown.end(), gone), s.shown.end());
   auto placed = s.indexOf.find(gone);
   if (placed != s.indexOf.end()) {
     s.placed[placed->second].widget = nullptr;
     s.indexOf.erase(placed);
+  }
+  // A lazy node whose widget went (not with the node) gets another.
+  auto lazy = s.lazyOf.find(gone);
+  if (lazy != s.lazyOf.end()) {
+    if (lazy->second) lazy->second->widget = nullptr;
+    s.lazyOf.erase(lazy);
   }
   // Orphans become roots rather than pointing at a dead widget.
   if (s.childCount.erase(gone)) {
@@ -880,4 +1062,74 @@ void OvGraphLayout(Widget graph, Widget) {
   if (s.pendingLayout) XtRemoveTimeOut(s.pendingLayout);
   s.pendingLayout = 0;
   layout(graph);
+}
+
+OvGraphLazyNode OvGraphAddLazyNode(Widget graph, OvGraphLazyNode parent, XmString label,
+                                   OvGraphNodeMaker maker, XtPointer closure) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !maker) return nullptr;
+  GraphState& s = state(graph);
+  auto node = std::make_unique<Lazy>();
+  node->parent = parent;
+  node->maker = maker;
+  node->closure = closure;
+  measure(graph, label, &node->width, &node->height);
+  if (parent) ++parent->children;
+  node->slot = s.lazy.size();
+  Lazy* raw = node.get();
+  s.lazy.push_back(std::move(node));
+  layoutSoon(graph);
+  return raw;
+}
+
+Widget OvGraphLazyNodeWidget(Widget graph, OvGraphLazyNode node, Boolean doMake) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node) return nullptr;
+  if (node->widget || !doMake) return node->widget;
+  GraphState& s = state(graph);
+  Widget w = make(graph, node);
+  if (s.sizeChanged && !s.pendingLayout && !s.laying) layoutSoon(graph);
+  if (s.navigationDue && !s.laying) {
+    s.navigationDue = false;
+    XmeNavigChangeManaged(graph);
+  }
+  return w;
+}
+
+void OvGraphSetLazyNodeLabel(Widget graph, OvGraphLazyNode node, XmString label) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node) return;
+  if (node->widget) {  // its size changes through the geometry manager
+    XtVaSetValues(node->widget, XmNlabelString, label, nullptr);
+    return;
+  }
+  measure(graph, label, &node->width, &node->height);
+  layoutSoon(graph);
+}
+
+void OvGraphRemoveLazyNode(Widget graph, OvGraphLazyNode node) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node) return;
+  GraphState& s = state(graph);
+  if (node->placed >= 0 && node->placed < static_cast<int>(s.placed.size()) &&
+      s.placed[node->placed].lazy == node)
+    s.placed[node->placed].lazy = nullptr;
+  if (node->parent) --node->parent->children;
+  if (node->children > 0)  // orphans become roots
+    for (const std::unique_ptr<Lazy>& l : s.lazy)
+      if (l && l->parent == node) l->parent = nullptr;
+  if (Widget w = node->widget) {
+    s.lazyOf[w] = nullptr;  // going with its node, not to be made again
+    XtDestroyWidget(w);
+  }
+  s.lazy[node->slot].reset();
+  layoutSoon(graph);
+}
+
+Boolean OvGraphLazyNodeBounds(Widget graph, OvGraphLazyNode node, OvGraphBounds* bounds) {
+  if (!graph || !XtIsSubclass(graph, ovGraphWidgetClass) || !node) return False;
+  layoutNowIfPending(graph);
+  GraphState& s = state(graph);
+  if (node->placed < 0 || node->placed >= static_cast<int>(s.placed.size()) ||
+      s.placed[node->placed].lazy != node)
+    return False;
+  const Placement& p = s.placed[node->placed];
+  *bounds = {p.x, p.y, p.width, p.height};
+  return True;
 }

@@ -23,6 +23,14 @@
 // forest of any size costs what the window shows, and X's 16-bit
 // coordinates never overflow.  A graph outside such a window takes the size
 // its layout needs, up to the largest window X allows.
+//
+// Lazy nodes: a node added with OvGraphAddLazyNode has a place in the
+// layout (measured from its label) but no widget until the window shows it
+// or OvGraphLazyNodeWidget asks for it; then the graph calls its maker,
+// which creates the widget (with OvGraphAddNodeWithArgs, under the parent
+// node's widget, made first).  The widget then stays until the node is
+// removed.  Creating a widget is what a large forest costs most: with lazy
+// nodes it costs what has been shown.  A lazy node's parent is a lazy node.
 #ifndef TAMBLIN_OV_OVGRAPH_H
 #define TAMBLIN_OV_OVGRAPH_H
 
@@ -72,6 +80,21 @@ Widget OvGraphAddNode(Widget graph, const char* name, Widget parentNode);
 Widget OvGraphAddNodeWithArgs(Widget graph, const char* name, Widget parentNode, ArgList args,
                               Cardinal numArgs);
 
+typedef struct OvGraphLazyNodeRec* OvGraphLazyNode;
+/// Creates the node's widget in graph under parentWidget (null for a root).
+typedef Widget (*OvGraphNodeMaker)(Widget graph, Widget parentWidget, XtPointer closure);
+/// A lazy node under parent (null: a new root) whose widget will show
+/// label (the graph copies what it needs of it).
+OvGraphLazyNode OvGraphAddLazyNode(Widget graph, OvGraphLazyNode parent, XmString label,
+                                   OvGraphNodeMaker maker, XtPointer closure);
+/// The node's widget, made now if make is set and it has none yet (null
+/// otherwise).
+Widget OvGraphLazyNodeWidget(Widget graph, OvGraphLazyNode node, Boolean make);
+/// Shows label on the node (its widget's label, or its measure until then).
+void OvGraphSetLazyNodeLabel(Widget graph, OvGraphLazyNode node, XmString label);
+/// Removes the node and destroys its widget; its children become roots.
+void OvGraphRemoveLazyNode(Widget graph, OvGraphLazyNode node);
+
 /// A rectangle in layout coordinates (0,0 is the layout's top left corner).
 struct OvGraphBounds {
   int x, y, width, height;
@@ -79,9 +102,12 @@ struct OvGraphBounds {
 /// Where the layout puts node (laying out first if a layout is due); False
 /// when node is not a laid-out node of graph.
 Boolean OvGraphNodeBounds(Widget graph, Widget node, OvGraphBounds* bounds);
+/// The same for a lazy node, with or without its widget.
+Boolean OvGraphLazyNodeBounds(Widget graph, OvGraphLazyNode node, OvGraphBounds* bounds);
 /// The part of the layout the graph's window shows.
 void OvGraphGetView(Widget graph, OvGraphBounds* view);
-/// Scrolls as little as needed to show node.
+/// Scrolls as little as needed to show node (when a layout is due, as soon
+/// as it has placed the node).
 void OvGraphShowNode(Widget graph, Widget node);
 
 /// The selected nodes, in the order they were selected; the caller frees the
@@ -90,8 +116,8 @@ WidgetList OvGraphGetSelectedNodes(Widget graph, int* count);
 /// Unselects the listed nodes; with notify, calls the deselect callbacks if
 /// anything changed.
 void OvGraphUnselectNodes(Widget graph, WidgetList nodes, int count, Boolean notify);
-/// Selects one node, scrolling it into view; with notify, calls the
-/// select-node callbacks.
+/// Selects one node, scrolling it into view (as OvGraphShowNode does); with
+/// notify, calls the select-node callbacks.
 void OvGraphSelectNode(Widget graph, Widget node, Boolean notify);
 /// Lays the whole graph out again (the subtree argument is accepted for
 /// callers that changed only one subtree; the whole forest is placed).

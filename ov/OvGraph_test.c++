@@ -404,4 +404,162 @@ TEST_F(OvGraphTest, SelectingANodeScrollsItIntoView) {
   EXPECT_GE(shown.y, 0);
 }
 
+
+// A lazy node of the tests: the label it shows and how often its widget
+// was made.
+struct LazyLabel {
+  std::string name, label;
+  int* made;
+};
+
+Widget makeLazy(Widget graph, Widget parentWidget, XtPointer closure) {
+  auto* l = static_cast<LazyLabel*>(closure);
+  ++*l->made;
+  XmString s = XmStringCreateLtoR(const_cast<char*>(l->label.c_str()),
+                                  const_cast<char*>(XmFONTLIST_DEFAULT_TAG));
+  Arg args[1];
+  XtSetArg(args[0], XmNlabelString, s);
+  Widget w = OvGraphAddNodeWithArgs(graph, l->name.c_str(), parentWidget, args, 1);
+  XmStringFree(s);
+  return w;
+}
+
+TEST_F(OvGraphTest, LazyNodesGetWidgetsOnlyInSightAndNeverOverlap) {
+  XtVaSetValues(_shell, XmNwidth, 900, XmNheight, 400, XmNallowShellResize, False, nullptr);
+  Widget form = XtVaCreateManagedWidget("holder", xmFormWidgetClass, _shell, nullptr);
+  Widget graph = OvCreateScrolledGraph(form, "graph", nullptr, 0);
+  XtVaSetValues(XtParent(graph), XmNtopAttachment, XmATTACH_FORM, XmNbottomAttachment,
+                XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
+                XmATTACH_FORM, nullptr);
+  // 20 products of 9 images of 10 subsystems; labels of every length, some
+  // of two lines, one empty.
+  int made = 0;
+  std::vector<LazyLabel> labels;
+  std::vector<int> parentOf;
+  labels.reserve(2000);
+  for (int p = 0; p < 20; ++p) {
+    int product = static_cast<int>(labels.size());
+    labels.push_back({"product", "product" + std::to_string(p), &made});
+    parentOf.push_back(-1);
+    for (int i = 0; i < 9; ++i) {
+      int image = static_cast<int>(labels.size());
+      std::string twoLines = std::string(1 + (i * 7) % 30, 'W') + "\n" + std::to_string(i);
+      labels.push_back({"image", twoLines, &made});
+      parentOf.push_back(product);
+      for (int k = 0; k < 10; ++k) {
+        std::string label = k == 3 ? "" : std::string(1 + (p + k * 11) % 37, 'i');
+        labels.push_back({"subsystem", label, &made});
+        parentOf.push_back(image);
+      }
+    }
+  }
+  std::vector<OvGraphLazyNode> nodes;
+  for (size_t i = 0; i < labels.size(); ++i) {
+    XmString s = XmStringCreateLtoR(const_cast<char*>(labels[i].label.c_str()),
+                                    const_cast<char*>(XmFONTLIST_DEFAULT_TAG));
+    nodes.push_back(OvGraphAddLazyNode(graph, parentOf[i] < 0 ? nullptr : nodes[parentOf[i]], s,
+                                       &makeLazy, &labels[i]));
+    XmStringFree(s);
+  }
+  realize();
+  EXPECT_GT(made, 0);
+  EXPECT_LT(made, 100) << "widgets made for nodes out of sight";
+
+  // Placements at the size the widgets take, children right of their
+  // parent, none meeting another; checked before and after every widget
+  // is made (a measure that missed would move them).
+  Widget vertical = nullptr;
+  XtVaGetValues(XtParent(graph), XmNverticalScrollBar, &vertical, nullptr);
+  ASSERT_NE(nullptr, vertical);
+  auto check = [&](const char* when) {
+    std::vector<OvGraphBounds> bounds(nodes.size());
+    for (size_t i = 0; i < nodes.size(); ++i) {
+      ASSERT_TRUE(OvGraphLazyNodeBounds(graph, nodes[i], &bounds[i])) << i;
+      if (parentOf[i] >= 0) {
+        const OvGraphBounds& p = bounds[parentOf[i]];
+        ASSERT_GT(bounds[i].x, p.x + p.width) << when << i;
+      }
+    }
+    std::vector<size_t> byTop(nodes.size());
+    for (size_t i = 0; i < byTop.size(); ++i) byTop[i] = i;
+    std::sort(byTop.begin(), byTop.end(), [&](size_t a, size_t b) { return bounds[a].y < bounds[b].y; });
+    for (size_t k = 0; k < byTop.size(); ++k) {
+      const OvGraphBounds& a = bounds[byTop[k]];
+      for (size_t j = k + 1; j < byTop.size() && bounds[byTop[j]].y < a.y + a.height; ++j) {
+        const OvGraphBounds& b = bounds[byTop[j]];
+        ASSERT_TRUE(a.x + a.width <= b.x || b.x + b.width <= a.x)
+            << when << byTop[k] << " overlaps " << byTop[j];
+      }
+    }
+    // In sight: a widget where the placement is, of its size; out of sight:
+    // none, or one out of any window.
+    OvGraphBounds view{};
+    OvGraphGetView(graph, &view);
+    int shown = 0;
+    for (size_t i = 0; i < nodes.size(); ++i) {
+      const OvGraphBounds& b = bounds[i];
+      bool inside = b.x < view.x + view.width && b.x + b.width > view.x &&
+                    b.y < view.y + view.height && b.y + b.height > view.y;
+      Widget w = OvGraphLazyNodeWidget(graph, nodes[i], False);
+      if (inside) {
+        ++shown;
+        ASSERT_NE(nullptr, w) << when << i;
+        Box box = boxOf(w);
+        ASSERT_EQ(b.x - view.x, box.x) << when << i;
+        ASSERT_EQ(b.y - view.y, box.y) << when << i;
+        ASSERT_EQ(b.width, box.w) << when << i;
+        ASSERT_EQ(b.height, box.h) << when << i;
+        ASSERT_STREQ(labels[i].name.c_str(), XtName(w));
+      } else if (w) {
+        Box box = boxOf(w);
+        ASSERT_TRUE(box.right() <= 0 || box.bottom() <= 0) << when << i << " left in sight";
+      }
+    }
+    EXPECT_GT(shown, 0) << when;
+  };
+  check("at the top: ");
+  int maximum = 0, slider = 0;
+  XtVaGetValues(vertical, XmNmaximum, &maximum, XmNsliderSize, &slider, nullptr);
+  XmScrollBarSetValues(vertical, maximum / 2, slider, 0, 0, True);
+  UiTestApp::flush();
+  check("half way: ");
+  EXPECT_LT(made, 200);
+
+  // Asked for, a widget is made under its parent's (made first).
+  OvGraphLazyNode last = nodes.back();
+  Widget w = OvGraphLazyNodeWidget(graph, last, True);
+  ASSERT_NE(nullptr, w);
+  Widget parentWidget = nullptr;
+  XtVaGetValues(w, OvNparentNode, &parentWidget, nullptr);
+  EXPECT_EQ(OvGraphLazyNodeWidget(graph, nodes[parentOf.back()], False), parentWidget);
+  for (OvGraphLazyNode n : nodes) OvGraphLazyNodeWidget(graph, n, True);
+  UiTestApp::flush();
+  check("every widget made: ");
+
+  // A new label is measured without a widget; a removed node's widget goes
+  // and its parent centres on the children left.
+  OvGraphBounds before{}, after{};
+  ASSERT_TRUE(OvGraphLazyNodeBounds(graph, nodes[0], &before));
+  XmString wide = XmStringCreateLocalized(const_cast<char*>("a far wider label than before"));
+  OvGraphSetLazyNodeLabel(graph, nodes[0], wide);
+  XmStringFree(wide);
+  ASSERT_TRUE(OvGraphLazyNodeBounds(graph, nodes[0], &after));
+  EXPECT_GT(after.width, before.width);
+  OvGraphLazyNode image = nodes[parentOf.back()];
+  ASSERT_TRUE(OvGraphLazyNodeBounds(graph, image, &before));
+  Widget gone = OvGraphLazyNodeWidget(graph, last, False);
+  bool destroyed = false;
+  XtAddCallback(gone, XmNdestroyCallback,
+                [](Widget, XtPointer flag, XtPointer) { *static_cast<bool*>(flag) = true; },
+                &destroyed);
+  OvGraphRemoveLazyNode(graph, last);
+  nodes.pop_back();
+  UiTestApp::flush();
+  EXPECT_TRUE(destroyed);
+  ASSERT_TRUE(OvGraphLazyNodeBounds(graph, image, &after));
+  EXPECT_LT(after.y, before.y);
+  parentOf.pop_back();
+  check("after a removal: ");
+}
+
 }  // namespace

@@ -27,9 +27,14 @@ YrGraph::YrGraph(const char* name, Widget parent) : YrComponent(name) {
 }
 
 // Destroying the graph takes the node widgets with it.
-YrGraph::~YrGraph() { forgetNodes(); }
+YrGraph::~YrGraph() {
+  if (_focusTimer) XtRemoveTimeOut(_focusTimer);
+  forgetNodes();
+}
 
 void YrGraph::widgetDestroyed() {
+  if (_focusTimer) XtRemoveTimeOut(_focusTimer);
+  _focusTimer = 0;
   forgetNodes();
   _graph = nullptr;
   YrComponent::widgetDestroyed();
@@ -42,8 +47,7 @@ void YrGraph::forgetNodes() {
 
 YrNode* YrGraph::addNode(const std::string& key, const std::string& name,
                          const std::string& label, YrNode* parent, void* userData) {
-  auto node = std::make_unique<YrNode>(_graph, key, name, label,
-                                       parent ? parent->baseWidget() : nullptr, userData);
+  auto node = std::make_unique<YrNode>(_graph, key, name, label, parent, userData);
   YrNode* raw = node.get();
   _nodes[key] = std::move(node);
   return raw;
@@ -64,7 +68,27 @@ void YrGraph::select(YrNode* node) {
   XtFree(reinterpret_cast<char*>(selected));
   if (!node) return;
   if (!already) OvGraphSelectNode(_graph, node->baseWidget(), False);
-  XmProcessTraversal(node->baseWidget(), XmTRAVERSE_CURRENT);
+  // A graph not yet shown takes no focus (the window's first focus is
+  // Motif's to give).
+  if (XmProcessTraversal(node->baseWidget(), XmTRAVERSE_CURRENT) || !XtIsRealized(_graph)) return;
+  // Out of sight until the graph's next layout scrolls to it: focused then
+  // (the layout's timer was set first and runs first).
+  _focusKey = node->key();
+  if (!_focusTimer)
+    _focusTimer = XtAppAddTimeOut(XtWidgetToApplicationContext(_graph), 0, &YrGraph::focusLater,
+                                  this);
+}
+
+void YrGraph::focusLater(XtPointer self, XtIntervalId*) {
+  auto* graph = static_cast<YrGraph*>(self);
+  graph->_focusTimer = 0;
+  int count = 0;
+  WidgetList selected = OvGraphGetSelectedNodes(graph->_graph, &count);
+  YrNode* node = graph->find(graph->_focusKey);
+  // Only while it is still the one selected.
+  if (node && count == 1 && node->hasWidget() && selected[0] == node->baseWidget())
+    XmProcessTraversal(node->baseWidget(), XmTRAVERSE_CURRENT);
+  XtFree(reinterpret_cast<char*>(selected));
 }
 
 void* YrGraph::selectedUserData() const {

@@ -4,7 +4,8 @@
 // The graph allows one selected node at a time; select() changes the
 // selection without calling the graph's callbacks, so that a model that
 // drives the selection is not told about its own change.  Node widgets
-// are destroyed with their YrNode.
+// are destroyed with their YrNode, and made only when the window first
+// shows them (see YrNode).
 #ifndef TAMBLIN_YR_YRGRAPH_H
 #define TAMBLIN_YR_YRGRAPH_H
 
@@ -33,7 +34,8 @@ class YrGraph : public YrComponent {
   YrNode* find(const std::string& key) const;
   int nodeCount() const { return static_cast<int>(_nodes.size()); }
 
-  /// Selects node alone (null: nothing) and gives it the keyboard focus.
+  /// Selects node alone (null: nothing) and gives it the keyboard focus
+  /// (once it is in sight, if the graph has yet to scroll to it).
   void select(YrNode* node);
   /// The user data of the selected node (null when none or several).
   void* selectedUserData() const;
@@ -46,8 +48,11 @@ class YrGraph : public YrComponent {
 
  private:
   void forgetNodes();
+  static void focusLater(XtPointer self, XtIntervalId*);
 
   Widget _graph = nullptr;
+  XtIntervalId _focusTimer = 0;
+  std::string _focusKey;
   std::unordered_map<std::string, std::unique_ptr<YrNode>> _nodes;
 };
 

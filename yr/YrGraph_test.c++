@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ov/OvGraph.h"
 #include "util/UiTestApp.h"
@@ -113,3 +114,56 @@ TEST_F(YrGraphTest, LabelsTooLongToDrawAreCutWithAMark) {
 }
 
 }  // namespace
+
+TEST_F(YrGraphTest, NodesOutOfSightHaveNoWidgetUntilShownOrSelected) {
+  YrNode* root = graph->addNode("root", "product", "Product", nullptr, &data[0]);
+  std::vector<YrNode*> images;
+  for (int i = 0; i < 200; ++i) {
+    std::string key = std::to_string(i);
+    images.push_back(graph->addNode(key, "image", "Image " + key, root, &data[1]));
+  }
+  UiTestApp::flush();
+  int withWidget = 0;
+  for (YrNode* n : images) withWidget += n->hasWidget();
+  EXPECT_GT(withWidget, 0);
+  EXPECT_LT(withWidget, 50);
+  YrNode* last = images.back();
+  ASSERT_FALSE(last->hasWidget());
+  EXPECT_EQ("Image 199", last->label());
+  last->setLabel("Renamed " + std::string(60, 'x'));
+  EXPECT_FALSE(last->hasWidget());
+
+  // Selected by the model: made, scrolled into sight, focused, and showing
+  // the cut label.
+  graph->select(last);
+  UiTestApp::flush();
+  ASSERT_TRUE(last->hasWidget());
+  Widget w = last->baseWidget();
+  EXPECT_STREQ("image", XtName(w));
+  EXPECT_EQ(&data[1], YrNode::userDataOf(w));
+  EXPECT_EQ(&data[1], graph->selectedUserData());
+  EXPECT_EQ(YrNode::shownLabel("Renamed " + std::string(60, 'x')), last->label());
+  Position y = -1;
+  Dimension height = 0, viewHeight = 0;
+  XtVaGetValues(w, XmNy, &y, XmNheight, &height, nullptr);
+  XtVaGetValues(graph->graphWidget(), XmNheight, &viewHeight, nullptr);
+  EXPECT_GE(y, 0);
+  EXPECT_LE(y + height, viewHeight);
+  EXPECT_EQ(w, XmGetFocusWidget(graph->graphWidget()));
+  // The keys move the focus among the nodes in sight.
+  for (XmTraversalDirection direction : {XmTRAVERSE_UP, XmTRAVERSE_PREV}) {
+    ASSERT_TRUE(XmProcessTraversal(XmGetFocusWidget(graph->graphWidget()), direction));
+    Widget now = XmGetFocusWidget(graph->graphWidget());
+    ASSERT_NE(w, now);
+    ASSERT_EQ(graph->graphWidget(), XtParent(now));
+    XtVaGetValues(now, XmNy, &y, nullptr);
+    EXPECT_GE(y, 0) << XtName(now);
+    EXPECT_LE(y, viewHeight) << XtName(now);
+  }
+
+  // Removed, made or not, they leave the root alone.
+  for (int i = 0; i < 200; ++i) graph->removeNode(std::to_string(i));
+  UiTestApp::flush();
+  EXPECT_EQ(1, graph->nodeCount());
+  EXPECT_TRUE(root->hasWidget());
+}

@@ -2,30 +2,44 @@
 
 #include <Xm/Xm.h>
 
-#include "ov/OvGraph.h"
-
 namespace {
 
-XmString labelString(const std::string& label) {
-  return XmStringCreateLtoR(const_cast<char*>(YrNode::shownLabel(label).c_str()),
+XmString labelString(const std::string& shown) {
+  return XmStringCreateLtoR(const_cast<char*>(shown.c_str()),
                             const_cast<char*>(XmFONTLIST_DEFAULT_TAG));
 }
 
 }  // namespace
 
 YrNode::YrNode(Widget graph, const std::string& key, const std::string& name,
-               const std::string& label, Widget parentWidget, void* userData)
-    : _key(key) {
-  XmString s = labelString(label);
-  Arg args[2];
-  XtSetArg(args[0], XmNuserData, userData);
-  XtSetArg(args[1], XmNlabelString, s);
-  _widget = OvGraphAddNodeWithArgs(graph, name.c_str(), parentWidget, args, 2);
+               const std::string& label, YrNode* parent, void* userData)
+    : _key(key), _name(name), _label(shownLabel(label)), _userData(userData), _graph(graph) {
+  XmString s = labelString(_label);
+  _node = OvGraphAddLazyNode(graph, parent ? parent->_node : nullptr, s, &YrNode::make, this);
   XmStringFree(s);
 }
 
 YrNode::~YrNode() {
-  if (_widget) XtDestroyWidget(_widget);
+  if (_node) OvGraphRemoveLazyNode(_graph, _node);
+}
+
+Widget YrNode::make(Widget graph, Widget parentWidget, XtPointer self) {
+  auto* node = static_cast<YrNode*>(self);
+  XmString s = labelString(node->_label);
+  Arg args[2];
+  XtSetArg(args[0], XmNuserData, node->_userData);
+  XtSetArg(args[1], XmNlabelString, s);
+  Widget w = OvGraphAddNodeWithArgs(graph, node->_name.c_str(), parentWidget, args, 2);
+  XmStringFree(s);
+  return w;
+}
+
+Widget YrNode::baseWidget() const {
+  return _node ? OvGraphLazyNodeWidget(_graph, _node, True) : nullptr;
+}
+
+bool YrNode::hasWidget() const {
+  return _node && OvGraphLazyNodeWidget(_graph, _node, False);
 }
 
 std::string YrNode::shownLabel(const std::string& label) {
@@ -37,14 +51,17 @@ std::string YrNode::shownLabel(const std::string& label) {
 }
 
 void YrNode::setLabel(const std::string& label) {
-  XmString s = labelString(label);
-  XtVaSetValues(_widget, XmNlabelString, s, nullptr);
+  _label = shownLabel(label);
+  if (!_node) return;
+  XmString s = labelString(_label);
+  OvGraphSetLazyNodeLabel(_graph, _node, s);
   XmStringFree(s);
 }
 
 std::string YrNode::label() const {
+  if (!hasWidget()) return _label;
   XmString s = nullptr;
-  XtVaGetValues(_widget, XmNlabelString, &s, nullptr);
+  XtVaGetValues(baseWidget(), XmNlabelString, &s, nullptr);
   std::string out;
   if (s) {
     char* text = static_cast<char*>(XmStringUnparse(s, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT,
