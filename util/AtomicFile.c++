@@ -1,6 +1,8 @@
 #include "util/AtomicFile.h"
 
+#include <dirent.h>
 #include <errno.h>
+#include <signal.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -162,6 +164,34 @@ off_t sizeOf(int fd) {
   return fstat(fd, &st) == 0 ? st.st_size : -1;
 }
 
+// The name a replacing save gives its text for the moment between linking
+// it and renaming it over the target: ".BASE.PID.N".
+std::string linkName(const std::string& dir, const std::string& base, long pid, int n) {
+  return dir + "/." + base + "." + std::to_string(pid) + "." + std::to_string(n);
+}
+
+// A save killed between those two calls leaves that name behind; the next
+// save of the same file removes it once its process is gone.
+void removeStaleLinks(const std::string& dir, const std::string& base) {
+  DIR* d = opendir(dir.c_str());
+  if (!d) return;
+  const std::string prefix = "." + base + ".";
+  while (dirent* e = readdir(d)) {
+    const char* name = e->d_name;
+    if (std::strncmp(name, prefix.c_str(), prefix.size()) != 0) continue;
+    const char* p = name + prefix.size();
+    char* end = nullptr;
+    long pid = std::strtol(p, &end, 10);
+    if (end == p || *end != '.' || pid <= 0) continue;
+    const char* n = end + 1;
+    std::strtol(n, &end, 10);
+    if (end == n || *end != '\0') continue;
+    if (kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH) continue;
+    unlinkat(dirfd(d), name, 0);
+  }
+  closedir(d);
+}
+
 }  // namespace
 
 std::string AtomicFile::describe(int err) {
@@ -298,11 +328,11 @@ int AtomicFile::replace() {
     return 0;
   }
   // A name is needed for rename; it exists only between these two calls.
+  removeStaleLinks(dir, baseOf(_resolved));
   std::string name;
   int err = EEXIST;
   for (int tries = 0; tries < 100 && err == EEXIST; ++tries) {
-    name = dir + "/." + baseOf(_resolved) + "." + std::to_string(getpid()) + "." +
-           std::to_string(std::rand() % 100000);
+    name = linkName(dir, baseOf(_resolved), getpid(), std::rand() % 100000);
     err = linkUnnamed(_tempFd, name);
   }
   if (err) return writeInPlace();

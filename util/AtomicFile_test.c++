@@ -97,6 +97,22 @@ TEST(AtomicFileTest, ReplacesByRenameKeepingModeAndLeavesNoTemporary) {
   EXPECT_EQ((std::set<std::string>{"a.idb", "b.idb"}), entries(dir.path()));
 }
 
+TEST(AtomicFileTest, ASaveRemovesWhatAKilledSaveOfTheSameFileLeft) {
+  // A save killed between linking its text and renaming it leaves
+  // ".NAME.PID.N"; only names of processes that are gone are taken away.
+  TempDir dir;
+  std::string target = dir.write("a.idb", "old\n");
+  pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  waitpid(gone, nullptr, 0);
+  const std::string stale = ".a.idb." + std::to_string(gone) + ".17";
+  const std::string live = ".a.idb." + std::to_string(getpid()) + ".18";
+  for (const std::string& name : {stale, live, std::string(".a.idb.x.1"), std::string(".b.idb.1.1")})
+    dir.write(name, "left\n");
+  EXPECT_EQ(0, writeAll(target, "new\n"));
+  EXPECT_EQ((std::set<std::string>{"a.idb", live, ".a.idb.x.1", ".b.idb.1.1"}), entries(dir.path()));
+}
+
 TEST(AtomicFileTest, HardLinksAndSymbolicLinksSurvive) {
   TempDir dir;
   std::string a = dir.write("a.idb", "old");
