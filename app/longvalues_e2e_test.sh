@@ -53,8 +53,14 @@ shot product_cut
 alive
 # A new name, assigned with the cut description shown beside it.
 field() { click "$1" "$2"; clear_field; type_text "$3"; }
+# Each step waits until the window shows it.
 field 705 239 renamed
+typed() { shot typed && differ product_cut typed; }
+poll 60 typed || fail "the new name did not show"
 click 610 194
+assigned() { shot assigned && differ typed assigned; }
+poll 60 assigned || fail "Assign changed nothing on screen"
+main_settled
 menu 4 0
 wait_window 'Save Spec' >/dev/null
 clear_field
