@@ -146,13 +146,20 @@ std::string FileListModel::join(const std::string& root, const std::string& rela
 // ---- roots -------------------------------------------------------------------
 
 std::vector<int> FileListModel::unfoundItems(const std::string& root) const {
+  // In slices, so that the window redraws between them on a large idb.
+  constexpr int kSlice = 50000;
+  const SourceProbe probe(root);
   std::vector<std::string_view> paths;
-  paths.reserve(_idb->count());
-  for (int i = 0; i < _idb->count(); i++) paths.push_back((*_idb)[i]->srcpath());
-  const std::vector<char> found = SourceProbe(root).exists(paths);
   std::vector<int> missing;
-  for (size_t i = 0; i < found.size(); i++)
-    if (!found[i]) missing.push_back(static_cast<int>(i) + 1);
+  for (int first = 0; first < _idb->count(); first += kSlice) {
+    const int end = std::min(_idb->count(), first + kSlice);
+    paths.clear();
+    for (int i = first; i < end; i++) paths.push_back((*_idb)[i]->srcpath());
+    const std::vector<char> found = probe.exists(paths);
+    for (size_t i = 0; i < found.size(); i++)
+      if (!found[i]) missing.push_back(first + static_cast<int>(i) + 1);
+    if (_busy) _busy->stillBusy();
+  }
   return missing;
 }
 
@@ -369,23 +376,67 @@ bool FileListModel::open(const std::string& file) {
     return false;
   }
   BusyScope busy(_busy);
-  // Read into the undo copy, so that a file that fails half-way leaves the
-  // edited idb as it was.
+  // The undo copy goes first: whatever happens, it ends up a copy of the idb.
   _backup = std::make_unique<Idb>();
-  _backup->setSourceRoot(_sourceRoot);
-  if (std::optional<std::string> message = _backup->open(file)) {
+  // A large idb takes well over its file's size in memory, and two of them
+  // side by side (the one shown and the one coming in) would not fit.  Once
+  // a pass over the file has shown that every line reads, the idb shown is
+  // dropped before the new one is read.  A file that fails is read beside
+  // the old idb, so its message names the line and the idb stays as it was.
+  if (_idb->count() > 0 && fileReadsCleanly(file)) _idb->clear();
+  auto fresh = std::make_unique<Idb>();
+  fresh->setSourceRoot(_sourceRoot);
+  if (std::optional<std::string> message = fresh->open(file)) {
+    fresh.reset();
+    // The idb is still the old one unless the file changed under us between
+    // the check and the read; the list then shows what is left.
+    if (_idb->count() == 0) refresh();
     _reporter.logMessage(*message);
     _reporter.showMessages();
     backup();
     return false;
   }
-  *_idb = *_backup;
+  _idb = std::move(fresh);
+  backup();
   _modified = false;
   refresh();
   refreshPartners();
   setIdbFileName(file);
   _reporter.logMessage(format("Opened idb '%s'.", file.c_str()));
   return true;
+}
+
+bool FileListModel::fileReadsCleanly(const std::string& file) const {
+  std::FILE* f = std::fopen(file.c_str(), "r");
+  if (!f) return false;
+  // Slices of whole lines go through a scratch database that is emptied
+  // after each, so the check holds one slice at a time and uses the reader
+  // itself to judge every line.
+  constexpr std::size_t kSlice = 1 << 20;
+  std::string text;
+  Idb scratch;
+  bool clean = true;
+  for (bool atEnd = false; clean && !atEnd;) {
+    const std::size_t kept = text.size();
+    text.resize(kept + kSlice);
+    const std::size_t got = std::fread(&text[kept], 1, kSlice, f);
+    text.resize(kept + got);
+    atEnd = got < kSlice;
+    std::size_t cut = text.size();
+    if (!atEnd) {
+      const void* nl = memrchr(text.data(), '\n', text.size());
+      cut = nl ? static_cast<std::size_t>(static_cast<const char*>(nl) - text.data()) + 1 : 0;
+    }
+    if (cut) {
+      clean = !scratch.readText(std::string_view(text.data(), cut), file);
+      scratch.clear();
+      text.erase(0, cut);
+    }
+    if (_busy) _busy->stillBusy();
+  }
+  if (std::ferror(f)) clean = false;
+  std::fclose(f);
+  return clean;
 }
 
 bool FileListModel::read(const std::string& file) {

@@ -232,6 +232,9 @@ class FileListModel {
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
   void formatLine(int index, std::string& out) const;
+  /// Whether every line of file reads as a record (false too when it cannot
+  /// be read), holding no more than a slice of it at a time.
+  bool fileReadsCleanly(const std::string& file) const;
   void reportNotFound(int count, int total, const std::string& root, bool noneFound);
   void selectOnly(const std::vector<char>& flags);
   void resizeSelection();

@@ -324,6 +324,13 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
   const std::string dirPath = dir.mkdir("dir.idb");
   const std::string missing = dir.file("missing.idb");
   const std::string bad = dir.write("bad.idb", "f 0644 root sys a a t\nf 0644 root sys b b\n");
+  // Good lines for well over a megabyte, the bad one beyond the first slice
+  // the open checks before it lets the old idb go; and a NUL in the last line.
+  std::string many;
+  for (int i = 0; i < 20000; i++)
+    many += "f 0644 root sys usr/share/doc/file" + std::to_string(i) + " src/file t.sw.base\n";
+  const std::string lateBad = dir.write("late.idb", many + "f 0644 root sys z z\n");
+  const std::string lateNul = dir.write("nul.idb", many + std::string("f 0644 root\0 sys z z t\n", 24));
   const struct {
     std::string file;
     std::vector<RecordingReporter::Event> events;
@@ -333,6 +340,12 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
        {{"log", "Couldn't open idb '" + missing + "' (No such file or directory)."}, {"show", ""}}},
       {bad,
        {{"log", "Couldn't read idb '" + bad + "' (Expected tag in field 7 on line 2)."},
+        {"show", ""}}},
+      {lateBad,
+       {{"log", "Couldn't read idb '" + lateBad + "' (Expected tag in field 7 on line 20001)."},
+        {"show", ""}}},
+      {lateNul,
+       {{"log", "Couldn't read idb '" + lateNul + "' (Unexpected NUL byte on line 20001)."},
         {"show", ""}}},
   };
   for (const auto& c : cases) {
