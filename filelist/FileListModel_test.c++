@@ -17,6 +17,7 @@
 #include "filelist/BuildPartner.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
+#include "filelist/LineMatcher.h"
 #include "filelist/PermsPartner.h"
 #include "filelist/SpecGraphPartner.h"
 #include "filelist/TagsPartner.h"
@@ -301,6 +302,30 @@ TEST_F(FileListModelTest, SelectionByExpressionFollowsTheView) {
   EXPECT_FALSE(model.selectMatching("["));
   EXPECT_EQ(model.selectedPositions(), (Positions{1, 3}));
   EXPECT_EQ(rep.events(), (std::vector<RecordingReporter::Event>{{"bell", ""}}));
+}
+
+// A long list is matched in parts at once; the selection must be what
+// matching each line in turn gives, at the seams as well.
+TEST_F(FileListModelTest, SelectionOfALongListMatchesLineByLine) {
+  const char* tags[] = {"t.sw.base", "t.sw.lib", "t.man.pages"};
+  std::string text;
+  const int total = 50001;
+  for (int i = 0; i < total; i++)
+    text += "f 0644 root sys usr/f" + std::to_string(i) + " src/f" + std::to_string(i) + " " +
+            tags[i % 3] + "\n";
+  openText(text);
+  model.setView(FileListModel::kTagView);
+  model.refresh();
+  for (const char* expr : {"^t.sw.(base|lib) ", "f2500[01]$", "7$", ".*", "^$", "x"}) {
+    ASSERT_TRUE(model.selectMatching(expr));
+    LineMatcher matcher(expr);
+    Positions expected;
+    for (int p = 1; p <= model.lineCount(); p++)
+      if (matcher.matches(model.line(p))) expected.push_back(p);
+    EXPECT_EQ(model.selectedPositions(), expected) << expr;
+    EXPECT_EQ(model.totalSelected(), static_cast<int>(expected.size())) << expr;
+  }
+  EXPECT_EQ(model.totalSelected(), 0);  // "x" is in no line
 }
 
 TEST_F(FileListModelTest, SelectTagAndCounts) {
