@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <climits>
+#include <condition_variable>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <unordered_map>
@@ -393,7 +396,9 @@ bool FileListModel::open(const std::string& file) {
   if (_idb->count() > 0 && fileReadsCleanly(file)) _idb->clear();
   auto fresh = std::make_unique<Idb>();
   fresh->setSourceRoot(_sourceRoot);
-  if (std::optional<std::string> message = fresh->open(file)) {
+  std::optional<std::string> message;
+  whileRedrawing([&] { message = fresh->open(file); }, false);
+  if (message) {
     fresh.reset();
     // The idb is still the old one unless the file changed under us between
     // the check and the read; the list then shows what is left.
@@ -411,6 +416,47 @@ bool FileListModel::open(const std::string& file) {
   setIdbFileName(file);
   _reporter.logMessage(format("Opened idb '%s'.", file.c_str()));
   return true;
+}
+
+void FileListModel::whileRedrawing(const std::function<void()>& work, bool hideLines) {
+  if (!_busy) {
+    work();
+    return;
+  }
+  // The work runs on a helper thread while this one, between waits, lets
+  // the window draw what was covered and uncovered meanwhile.  Drawing must
+  // not read what the work changes: with hideLines the list's lines read as
+  // empty until it ends (it is drawn again then anyway).
+  std::mutex mutex;
+  std::condition_variable finished;
+  bool done = false;
+  _linesHidden = hideLines;
+  std::thread helper;
+  try {
+    helper = std::thread([&] {
+      work();
+      std::lock_guard<std::mutex> lock(mutex);
+      done = true;
+      finished.notify_one();
+    });
+  } catch (const std::system_error&) {
+    _linesHidden = false;
+    work();
+    return;
+  }
+  std::unique_lock<std::mutex> lock(mutex);
+  bool drew = false;
+  while (!finished.wait_for(lock, std::chrono::milliseconds(30), [&] { return done; })) {
+    lock.unlock();
+    _busy->stillBusy();
+    drew = true;
+    lock.lock();
+  }
+  lock.unlock();
+  helper.join();
+  _linesHidden = false;
+  // Rows drawn empty meanwhile show their text again.
+  if (drew && hideLines && _display) _display->selectionChanged();
 }
 
 bool FileListModel::fileReadsCleanly(const std::string& file) const {
@@ -516,7 +562,9 @@ bool FileListModel::save(const char* file) {
   bool wasSorted = true;
   for (int i = 1; i < _idb->count() && wasSorted; i++)
     wasSorted = (*_idb)[i - 1]->dstpath() <= (*_idb)[i]->dstpath();
-  if (int error = _idb->save(target)) {
+  int error = 0;
+  whileRedrawing([&] { error = _idb->save(target); }, true);
+  if (error) {
     // The records are still in the order the list shows, so the lines and
     // the selection stay as they are.
     if (error == AtomicFile::kNotRegular) {
@@ -619,6 +667,7 @@ void FileListModel::formatLine(int index, std::string& out) const {
 }
 
 std::string_view FileListModel::line(int position) const {
+  if (_linesHidden) return {};
   if (position < 1 || position > lineCount() || position > _idb->count()) return {};
   formatLine(position - 1, _lineBuffer);
   return _lineBuffer;
