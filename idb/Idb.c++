@@ -620,12 +620,14 @@ int Idb::save(const std::string& file) {
   // The records are sorted in memory before they are written; when the
   // write fails they go back to the order the caller knows, so that its
   // positions (the list's lines and selection) still name the same records.
-  // The array they were in is kept rather than copied.
-  std::vector<idb> unsorted;
-  sort(&unsorted);
-  auto fail = [this, &unsorted](int err) {
-    if (!unsorted.empty()) {
-      _records.swap(unsorted);
+  // Only the permutation is kept for that, not a copy of the records.
+  std::vector<std::uint32_t> order;
+  sort(&order);
+  auto fail = [this, &order](int err) {
+    if (!order.empty()) {
+      std::vector<std::uint32_t> back(order.size());
+      for (std::size_t j = 0; j < order.size(); ++j) back[order[j]] = static_cast<std::uint32_t>(j);
+      permute(back);
       indexChanged();
     }
     return err;
@@ -810,24 +812,39 @@ void Idb::clear() {
 
 void Idb::sort() { sort(nullptr); }
 
-void Idb::sort(std::vector<idb>* previous) {
+void Idb::sort(std::vector<std::uint32_t>* order) {
   if (_records.size() < 2) return;
-  std::vector<std::uint32_t> order = sortOrder(_records);
-  // Gathered into a new array: the reads jump about, but their order is
-  // known in advance, so the records are fetched well before they are
-  // copied.  (Following the permutation's cycles in place would save the
-  // second array but waits on memory at every step.)
-  std::vector<idb> sorted;
-  sorted.reserve(_records.capacity());
-  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
-  constexpr std::size_t kAhead = 16;
-  for (std::size_t j = 0; j < order.size(); ++j) {
-    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
-    sorted.push_back(_records[order[j]]);
-  }
-  _records.swap(sorted);
-  if (previous) previous->swap(sorted);
+  std::vector<std::uint32_t> sorted = sortOrder(_records);
+  permute(sorted);
+  if (order) order->swap(sorted);
   indexChanged();
+}
+
+void Idb::permute(const std::vector<std::uint32_t>& order) {
+  // In place, following the permutation's cycles: a second array of a
+  // million records would raise the peak of a save (the undo copy's records
+  // are held too) by their whole size.  The record two steps ahead on the
+  // cycle is fetched early, which keeps most of the waiting on memory off
+  // the path.
+  const std::size_t n = order.size();
+  std::vector<bool> placed(n, false);
+  for (std::size_t start = 0; start < n; ++start) {
+    if (placed[start] || order[start] == start) continue;
+    idb first = _records[start];
+    std::size_t j = start;
+    for (;;) {
+      std::size_t k = order[j];
+      placed[j] = true;
+      if (k == start) {
+        _records[j] = first;
+        break;
+      }
+      std::size_t next = order[k];
+      if (next != start) __builtin_prefetch(&_records[order[next]]);
+      _records[j] = _records[k];
+      j = k;
+    }
+  }
 }
 
 // ---- Field edits
