@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <system_error>
 #include <thread>
 
@@ -100,11 +101,16 @@ bool isDerived(std::string_view attr) {
 // paths go on are ordered again by the next eight bytes.  The pairs start in
 // record order and every step is stable, so equal paths keep file order.
 
+// Twelve bytes: two of these per record are the sort's whole scratch space,
+// and during a save they come on top of the idb and its undo copy.  The
+// path a key came from is found through its record, at the depth its range
+// has reached.
+#pragma pack(push, 4)
 struct SortKey {
   std::uint64_t key;
-  const char* path;  // the destination path, to fetch the next key from
   std::uint32_t index;
 };
+#pragma pack(pop)
 
 std::uint64_t keyAt(const char* s) {
   std::uint64_t k = 0;
@@ -144,6 +150,7 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
 
 struct Range {
   std::size_t begin, size;
+  std::size_t depth;  // bytes of the paths already compared
 };
 
 // Adds the runs of equal keys in the sorted range r that still need the next
@@ -154,13 +161,14 @@ void pushTies(const SortKey* keys, Range r, std::vector<Range>& work) {
     std::size_t j = i + 1;
     while (j < r.size && a[j].key == a[i].key) ++j;
     // A key whose last byte is 0 holds the end of both paths: they are equal.
-    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
+    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i, r.depth + 8});
     i = j;
   }
 }
 
 // Orders every range of work, and the ties found in them, by the next bytes.
-void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
+void refine(const std::vector<idb>& records, SortKey* keys, SortKey* tmp,
+            std::vector<Range> work) {
   while (!work.empty()) {
     Range r = work.back();
     work.pop_back();
@@ -168,9 +176,9 @@ void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
     // The paths lie all over memory; fetching ahead hides the wait.
     constexpr std::size_t kAhead = 16;
     for (std::size_t i = 0; i < r.size; ++i) {
-      if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
-      a[i].path += 8;
-      a[i].key = keyAt(a[i].path);
+      if (i + kAhead < r.size)
+        __builtin_prefetch(records[a[i + kAhead].index].dstpath().data() + r.depth);
+      a[i].key = keyAt(records[a[i].index].dstpath().data() + r.depth);
     }
     radixSort(a, tmp + r.begin, r.size);
     pushTies(keys, r, work);
@@ -188,12 +196,11 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   SortKey* keys = space.data();
   SortKey* tmp = keys + n;
   for (std::size_t i = 0; i < n; ++i) {
-    const char* path = records[i].dstpath().data();
-    keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
+    keys[i] = {keyAt(records[i].dstpath().data()), static_cast<std::uint32_t>(i)};
   }
   radixSort(keys, tmp, n);
   std::vector<Range> ties;
-  pushTies(keys, {0, n}, ties);
+  pushTies(keys, {0, n, 0}, ties);
 
   // The runs of ties are independent of each other: a helper thread takes
   // about half of them (by size).
@@ -210,14 +217,14 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::thread helper;
   if (!helperShare.empty()) {
     try {
-      helper = std::thread(refine, keys, tmp, helperShare);
+      helper = std::thread(refine, std::cref(records), keys, tmp, helperShare);
       helperShare.clear();
     } catch (const std::system_error&) {
       // No thread: all of it is done here.
     }
   }
-  refine(keys, tmp, std::move(ties));
-  refine(keys, tmp, std::move(helperShare));
+  refine(records, keys, tmp, std::move(ties));
+  refine(records, keys, tmp, std::move(helperShare));
   if (helper.joinable()) helper.join();
 
   std::vector<std::uint32_t> order(n);
