@@ -8,6 +8,10 @@
 //   click X Y [MODS]      button 1 at root X Y (MODS: ctrl, shift, both "ctrl+shift")
 //   key KEYSYM [MODS]     one key, e.g. Return, Next, slash
 //   type TEXT             each character as a key, timed one by one
+//   wheel X Y N           N turns down of the mouse wheel at root X Y, each
+//                         timed on its own (one line each)
+//   run COMMAND           a shell command that hands the program a request
+//                         and waits for its answer (`tamblin-cli edit`)
 //   idle                  the probe alone (the floor under every figure)
 #include <X11/Xatom.h>
 #include <X11/XKBlib.h>
@@ -92,7 +96,8 @@ void key(KeySym sym, const char* mods) {
 }
 
 int usage() {
-  std::fprintf(stderr, "usage: gui_driver WINDOW where PATH | click X Y [MODS] | key KEYSYM [MODS] | type TEXT | idle\n");
+  std::fprintf(stderr, "usage: gui_driver WINDOW where PATH | click X Y [MODS] | key KEYSYM [MODS] | type TEXT"
+                       " | wheel X Y N | run COMMAND | idle\n");
   return 2;
 }
 
@@ -132,6 +137,24 @@ int main(int argc, char** argv) {
     XTestFakeButtonEvent(d, 1, True, CurrentTime);
     XTestFakeButtonEvent(d, 1, False, CurrentTime);
     press(m, false);
+    probe(false);
+  } else if (command == "wheel" && argc == 6) {
+    XTestFakeMotionEvent(d, -1, std::atoi(argv[3]), std::atoi(argv[4]), CurrentTime);
+    XFlush(d);
+    probe(false);
+    for (int turn = std::atoi(argv[5]); turn > 0; --turn) {
+      double t = now();
+      XTestFakeButtonEvent(d, 5, True, CurrentTime);
+      XTestFakeButtonEvent(d, 5, False, CurrentTime);
+      probe(false);
+      std::printf("%.4f\n", now() - t);
+    }
+    return 0;
+  } else if (command == "run" && argc == 4) {
+    if (std::system(argv[3]) != 0) {
+      std::fprintf(stderr, "gui_driver: '%s' failed\n", argv[3]);
+      return 1;
+    }
     probe(false);
   } else if (command == "key" && argc >= 4) {
     KeySym sym = XStringToKeysym(argv[3]);

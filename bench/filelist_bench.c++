@@ -131,6 +131,22 @@ int main(int argc, char** argv) {
     model.open(work + "/big.idb");
     return std::to_string(model.idb().count()) + " records";
   });
+  step("open again (the old idb is replaced)", [&] {
+    model.open(work + "/big.idb");
+    return std::to_string(model.idb().count()) + " records";
+  });
+  step("select by expression on the tag, ^[a-z]+.(sw...) ", [&] {
+    model.selectMatching("^[a-z]+.(sw.base|sw.lib|sw.dev) ");
+    return std::to_string(model.totalSelected()) + " selected";
+  });
+  step("select by expression \"^$\" (None)", [&] {
+    model.selectMatching(FileListModel::kSelectNoneExpression);
+    return std::to_string(model.totalSelected()) + " selected";
+  });
+  step("select by expression \".*\" (All)", [&] {
+    model.selectMatching(FileListModel::kSelectAllExpression);
+    return std::to_string(model.totalSelected()) + " selected";
+  });
   step("select by expression \"sw\\.lib\"", [&] {
     model.selectMatching("sw\\.lib");
     return std::to_string(model.totalSelected()) + " selected";

@@ -3,7 +3,8 @@
 # X server: a spec of 20,000 nodes is opened by a request on the session bus
 # (`tamblin-cli edit`, handled inside the event loop), and the time runs
 # until the program has laid out and drawn the graph and waits for input
-# again (bench/GuiProbe.c++ says how that is seen).  References measured in
+# again (the program's idle probe, sent by bench/gui_driver, says when: see
+# yr/YrIdleProbe.h).  References measured in
 # the same run: the same for specs of 2 and 2,000 nodes (the fixed cost of
 # the request and the probe), and `tamblin-cli format` of the 20,000-node
 # spec (reading and writing it without a window).  Then ten turns of the
@@ -13,9 +14,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-out/test} runs=${2:-3} shots=$(realpath "${3:-.}")
-cmake --build "$build" -j "${BUILD_JOBS:-2}" --target tamblin tamblin-cli guiprobe spec_gen >/dev/null
+cmake --build "$build" -j "${BUILD_JOBS:-2}" --target tamblin tamblin-cli gui_driver spec_gen >/dev/null
 build=$(realpath "$build")
-prog=$build/app/tamblin cli=$build/cli/tamblin-cli probe=$build/bench/guiprobe
+prog=$build/app/tamblin cli=$build/cli/tamblin-cli driver=$build/bench/gui_driver
 
 prog_pid= bus_pid=
 cleanup_pids="prog_pid bus_pid"
@@ -58,7 +59,7 @@ main_window() { xdotool search --onlyvisible --name '^Tamblin$' 2>/dev/null | he
 # drawn, in a program started for it; a second argument takes a screenshot
 # and times wheel turns, or (then:) times opening SPEC2 over SPEC instead.
 opened() {
-  (cd "$work" && exec "$prog" -nofork) >"$work/prog.log" 2>&1 &
+  (cd "$work" && TAMBLIN_IDLE_PROBE=1 exec "$prog" -nofork) >"$work/prog.log" 2>&1 &
   prog_pid=$!
   poll 30 owns_name || fail "the program did not take its bus name: $(cat "$work/prog.log")"
   # One look at a time: xdotool gives up on an X error when a window it
@@ -68,18 +69,17 @@ opened() {
   local window
   window=$(main_window)
   eval "$(xdotool getwindowgeometry --shell "$window")"
-  # The File entry of the menu bar is the probe's menu; the graph fills
-  # the lower left of the window.
-  "$probe" $((X + 22)) $((Y + 16)) "run:$cli edit $work/project $1 '' '' >/dev/null" >"$work/probe.out" ||
-    fail "probe: $(cat "$work/probe.out")"
+  # The graph fills the lower left of the window.
+  "$driver" "$window" run "$cli edit $work/project $1 '' '' >/dev/null" >"$work/probe.out" ||
+    fail "driver: $(cat "$work/probe.out")"
   if [[ ${2:-} == then:* ]]; then
-    "$probe" $((X + 22)) $((Y + 16)) "run:$cli edit $work/project ${2#then:} '' '' >/dev/null" \
-      >"$work/probe.out" || fail "probe: $(cat "$work/probe.out")"
+    "$driver" "$window" run "$cli edit $work/project ${2#then:} '' '' >/dev/null" \
+      >"$work/probe.out" || fail "driver: $(cat "$work/probe.out")"
   fi
-  awk '{ print $2 }' "$work/probe.out"
+  cat "$work/probe.out"
   if [[ -n ${2:-} && ${2:-} != then:* ]]; then
     import -window "$window" "$shots/$2.png"
-    "$probe" $((X + 22)) $((Y + 16)) "wheeln:10:$((X + 200)),$((Y + 450))" >"$work/wheel.out"
+    "$driver" "$window" wheel $((X + 200)) $((Y + 450)) 10 >"$work/wheel.out"
     import -window "$window" "$shots/$2-scrolled.png"
   fi
   kill "$prog_pid"
@@ -110,7 +110,7 @@ for ((r = 0; r < runs; r++)); do
 done
 opened n2.spec graph-2 >/dev/null
 opened n20000.spec graph-20000 >/dev/null
-wheel=$(awk '{ s += $2; if ($2 > m) m = $2 } END { printf "%.4f %.4f", s / NR, m }' "$work/wheel.out")
+wheel=$(awk '{ s += $1; if ($1 > m) m = $1 } END { printf "%.4f %.4f", s / NR, m }' "$work/wheel.out")
 
 awk -v n2="$n2" -v n2000="$n2000" -v n20000="$n20000" -v fmt="$format" -v wheel="$wheel" \
     -v replaced="$replaced" \

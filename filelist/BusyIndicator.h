@@ -9,6 +9,9 @@ class BusyIndicator {
 
   virtual void busy() = 0;
   virtual void notBusy() = 0;
+  /// Called every so often during long work while busy, so that the window
+  /// can redraw what was covered and uncovered meanwhile.
+  virtual void stillBusy() {}
 };
 
 #endif

@@ -84,8 +84,8 @@ bool FileList::askFileName(const std::string& title, const std::string& filter,
 
 // Opening, saving and checking a large idb take a while without a return
 // to the event loop: what is waiting to be drawn (the place a dialog just
-// left, a pressed button) is drawn before the work starts, and the list as
-// soon as it ends.
+// left, a pressed button) is drawn before the work starts, again every so
+// often during it (stillBusy), and the list as soon as it ends.
 void FileList::busy() {
   if (YrApp* app = YrApp::theApp()) app->busy();
   if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
@@ -93,6 +93,12 @@ void FileList::busy() {
 
 void FileList::notBusy() {
   if (YrApp* app = YrApp::theApp()) app->notBusy();
+  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
+}
+
+// Called every so often during that work: what was covered and uncovered
+// meanwhile is drawn again.  Only exposures are taken; input waits.
+void FileList::stillBusy() {
   if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
 }
 

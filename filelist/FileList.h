@@ -60,6 +60,7 @@ class FileList : public FileListUI,
                    const std::string& proposed, std::string* chosen) override;
   void busy() override;
   void notBusy() override;
+  void stillBusy() override;
 
  protected:
   void allPushButton(Widget, XtPointer callData) override;

@@ -5,10 +5,15 @@
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <climits>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <system_error>
+#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -33,6 +38,11 @@
 
 const char* const FileListModel::kSelectAllExpression = ".*";
 const char* const FileListModel::kSelectNoneExpression = "^$";
+
+namespace {
+// Below this many lines a selection is quick enough on one thread.
+constexpr int kParallelLines = 20000;
+}  // namespace
 
 // Busy from construction to destruction, so that every early return of a
 // long operation clears the busy state again.
@@ -132,13 +142,20 @@ std::string FileListModel::join(const std::string& root, const std::string& rela
 // ---- roots -------------------------------------------------------------------
 
 std::vector<int> FileListModel::unfoundItems(const std::string& root) const {
+  // In slices, so that the window redraws between them on a large idb.
+  constexpr int kSlice = 50000;
+  const SourceProbe probe(root);
   std::vector<std::string_view> paths;
-  paths.reserve(_idb->count());
-  for (int i = 0; i < _idb->count(); i++) paths.push_back((*_idb)[i]->srcpath());
-  const std::vector<char> found = SourceProbe(root).exists(paths);
   std::vector<int> missing;
-  for (size_t i = 0; i < found.size(); i++)
-    if (!found[i]) missing.push_back(static_cast<int>(i) + 1);
+  for (int first = 0; first < _idb->count(); first += kSlice) {
+    const int end = std::min(_idb->count(), first + kSlice);
+    paths.clear();
+    for (int i = first; i < end; i++) paths.push_back((*_idb)[i]->srcpath());
+    const std::vector<char> found = probe.exists(paths);
+    for (size_t i = 0; i < found.size(); i++)
+      if (!found[i]) missing.push_back(first + static_cast<int>(i) + 1);
+    if (_busy) _busy->stillBusy();
+  }
   return missing;
 }
 
@@ -355,23 +372,110 @@ bool FileListModel::open(const std::string& file) {
     return false;
   }
   BusyScope busy(_busy);
-  // Read into the undo copy, so that a file that fails half-way leaves the
-  // edited idb as it was.
+  // The undo copy goes first: whatever happens, it ends up a copy of the idb.
   _backup = std::make_unique<Idb>();
-  _backup->setSourceRoot(_sourceRoot);
-  if (std::optional<std::string> message = _backup->open(file)) {
+  // A large idb takes well over its file's size in memory, and two of them
+  // side by side (the one shown and the one coming in) would not fit.  Once
+  // a pass over the file has shown that every line reads, the idb shown is
+  // dropped before the new one is read.  A file that fails is read beside
+  // the old idb, so its message names the line and the idb stays as it was.
+  if (_idb->count() > 0 && fileReadsCleanly(file)) _idb->clear();
+  auto fresh = std::make_unique<Idb>();
+  fresh->setSourceRoot(_sourceRoot);
+  std::optional<std::string> message;
+  whileRedrawing([&] { message = fresh->open(file); }, false);
+  if (message) {
+    fresh.reset();
+    // The idb is still the old one unless the file changed under us between
+    // the check and the read; the list then shows what is left.
+    if (_idb->count() == 0) refresh();
     _reporter.logMessage(*message);
     _reporter.showMessages();
     backup();
     return false;
   }
-  *_idb = *_backup;
+  _idb = std::move(fresh);
+  backup();
   _modified = false;
   refresh();
   refreshPartners();
   setIdbFileName(file);
   _reporter.logMessage(format("Opened idb '%s'.", file.c_str()));
   return true;
+}
+
+void FileListModel::whileRedrawing(const std::function<void()>& work, bool hideLines) {
+  if (!_busy) {
+    work();
+    return;
+  }
+  // The work runs on a helper thread while this one, between waits, lets
+  // the window draw what was covered and uncovered meanwhile.  Drawing must
+  // not read what the work changes: with hideLines the list's lines read as
+  // empty until it ends (it is drawn again then anyway).
+  std::mutex mutex;
+  std::condition_variable finished;
+  bool done = false;
+  _linesHidden = hideLines;
+  std::thread helper;
+  try {
+    helper = std::thread([&] {
+      work();
+      std::lock_guard<std::mutex> lock(mutex);
+      done = true;
+      finished.notify_one();
+    });
+  } catch (const std::system_error&) {
+    _linesHidden = false;
+    work();
+    return;
+  }
+  std::unique_lock<std::mutex> lock(mutex);
+  bool drew = false;
+  while (!finished.wait_for(lock, std::chrono::milliseconds(30), [&] { return done; })) {
+    lock.unlock();
+    _busy->stillBusy();
+    drew = true;
+    lock.lock();
+  }
+  lock.unlock();
+  helper.join();
+  _linesHidden = false;
+  // Rows drawn empty meanwhile show their text again.
+  if (drew && hideLines && _display) _display->selectionChanged();
+}
+
+bool FileListModel::fileReadsCleanly(const std::string& file) const {
+  std::FILE* f = std::fopen(file.c_str(), "r");
+  if (!f) return false;
+  // Slices of whole lines go through a scratch database that is emptied
+  // after each, so the check holds one slice at a time and uses the reader
+  // itself to judge every line.
+  constexpr std::size_t kSlice = 1 << 20;
+  std::string text;
+  Idb scratch;
+  bool clean = true;
+  for (bool atEnd = false; clean && !atEnd;) {
+    const std::size_t kept = text.size();
+    text.resize(kept + kSlice);
+    const std::size_t got = std::fread(&text[kept], 1, kSlice, f);
+    text.resize(kept + got);
+    atEnd = got < kSlice;
+    std::size_t cut = text.size();
+    if (!atEnd) {
+      const void* nl = memrchr(text.data(), '\n', text.size());
+      cut = nl ? static_cast<std::size_t>(static_cast<const char*>(nl) - text.data()) + 1 : 0;
+    }
+    if (cut) {
+      clean = !scratch.readText(std::string_view(text.data(), cut), file);
+      scratch.clear();
+      text.erase(0, cut);
+    }
+    if (_busy) _busy->stillBusy();
+  }
+  if (std::ferror(f)) clean = false;
+  std::fclose(f);
+  return clean;
 }
 
 bool FileListModel::read(const std::string& file) {
@@ -440,7 +544,9 @@ bool FileListModel::save(const char* file) {
   bool wasSorted = true;
   for (int i = 1; i < _idb->count() && wasSorted; i++)
     wasSorted = (*_idb)[i - 1]->dstpath() <= (*_idb)[i]->dstpath();
-  if (int error = _idb->save(target)) {
+  int error = 0;
+  whileRedrawing([&] { error = _idb->save(target); }, true);
+  if (error) {
     // The records are still in the order the list shows, so the lines and
     // the selection stay as they are.
     if (error == AtomicFile::kNotRegular) {
@@ -543,6 +649,7 @@ void FileListModel::formatLine(int index, std::string& out) const {
 }
 
 std::string_view FileListModel::line(int position) const {
+  if (_linesHidden) return {};
   if (position < 1 || position > lineCount() || position > _idb->count()) return {};
   formatLine(position - 1, _lineBuffer);
   return _lineBuffer;
@@ -569,7 +676,41 @@ bool FileListModel::selectMatching(const std::string& expr) {
   BusyScope busy(_busy);
   std::vector<char> flags(_idb->count(), 0);
   const int n = std::min(lineCount(), _idb->count());
-  for (int p = 1; p <= n; p++) flags[p - 1] = matcher.matches(line(p));
+  // "All" and "None" say what they select without running over the text.
+  if (matcher.matchesEveryLine()) {
+    std::fill(flags.begin(), flags.begin() + n, 1);
+  } else if (matcher.matchesOnlyEmptyLine()) {
+    for (int p = 1; p <= n; p++) flags[p - 1] = line(p).empty();
+  } else {
+    // Matching costs about the same per line whatever the expression, so
+    // a long list is cut in two and a helper thread takes the second half,
+    // making lines in a buffer of its own; the halves write apart.
+    // Each thread has a matcher of its own, so they never wait for each
+    // other on the expression's shared state.
+    auto scan = [&](const LineMatcher& m, int from, int to) {
+      std::string text;
+      for (int p = from; p <= to; p++) {
+        formatLine(p - 1, text);
+        flags[p - 1] = m.matches(text);
+      }
+    };
+    auto scanSecondHalf = [&](int from) {
+      LineMatcher own(expr);
+      scan(own, from, n);
+    };
+    const int split = n >= kParallelLines ? n / 2 : n;
+    std::thread helper;
+    if (split < n) {
+      try {
+        helper = std::thread(scanSecondHalf, split + 1);
+      } catch (const std::system_error&) {
+        // No thread to be had: this one does both halves.
+      }
+    }
+    scan(matcher, 1, split);
+    if (helper.joinable()) helper.join();
+    else if (split < n) scan(matcher, split + 1, n);
+  }
   selectOnly(flags);
   return true;
 }

@@ -18,6 +18,7 @@
 #ifndef TAMBLIN_FILELIST_FILELISTMODEL_H
 #define TAMBLIN_FILELIST_FILELISTMODEL_H
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -232,6 +233,12 @@ class FileListModel {
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
   void formatLine(int index, std::string& out) const;
+  /// Whether every line of file reads as a record (false too when it cannot
+  /// be read), holding no more than a slice of it at a time.
+  bool fileReadsCleanly(const std::string& file) const;
+  /// Runs work, keeping the window drawn meanwhile when there is a busy
+  /// indicator; with hideLines the lines read as empty until it ends.
+  void whileRedrawing(const std::function<void()>& work, bool hideLines);
   void reportNotFound(int count, int total, const std::string& root, bool noneFound);
   void selectOnly(const std::vector<char>& flags);
   void resizeSelection();
@@ -267,6 +274,8 @@ class FileListModel {
   int _shownView = kHierarchyView;
   int _lineCount = 0;
   mutable std::string _lineBuffer;
+  // Set while a helper thread works on the idb itself.
+  bool _linesHidden = false;
   // One flag per record position (index p-1).
   RowSelection _selected;
 };

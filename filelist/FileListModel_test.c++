@@ -17,6 +17,7 @@
 #include "filelist/BuildPartner.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
+#include "filelist/LineMatcher.h"
 #include "filelist/PermsPartner.h"
 #include "filelist/SpecGraphPartner.h"
 #include "filelist/TagsPartner.h"
@@ -303,6 +304,30 @@ TEST_F(FileListModelTest, SelectionByExpressionFollowsTheView) {
   EXPECT_EQ(rep.events(), (std::vector<RecordingReporter::Event>{{"bell", ""}}));
 }
 
+// A long list is matched in parts at once; the selection must be what
+// matching each line in turn gives, at the seams as well.
+TEST_F(FileListModelTest, SelectionOfALongListMatchesLineByLine) {
+  const char* tags[] = {"t.sw.base", "t.sw.lib", "t.man.pages"};
+  std::string text;
+  const int total = 50001;
+  for (int i = 0; i < total; i++)
+    text += "f 0644 root sys usr/f" + std::to_string(i) + " src/f" + std::to_string(i) + " " +
+            tags[i % 3] + "\n";
+  openText(text);
+  model.setView(FileListModel::kTagView);
+  model.refresh();
+  for (const char* expr : {"^t.sw.(base|lib) ", "f2500[01]$", "7$", ".*", "^$", "x"}) {
+    ASSERT_TRUE(model.selectMatching(expr));
+    LineMatcher matcher(expr);
+    Positions expected;
+    for (int p = 1; p <= model.lineCount(); p++)
+      if (matcher.matches(model.line(p))) expected.push_back(p);
+    EXPECT_EQ(model.selectedPositions(), expected) << expr;
+    EXPECT_EQ(model.totalSelected(), static_cast<int>(expected.size())) << expr;
+  }
+  EXPECT_EQ(model.totalSelected(), 0);  // "x" is in no line
+}
+
 TEST_F(FileListModelTest, SelectTagAndCounts) {
   openText(kThree);
   model.setView(FileListModel::kTagView);
@@ -324,6 +349,13 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
   const std::string dirPath = dir.mkdir("dir.idb");
   const std::string missing = dir.file("missing.idb");
   const std::string bad = dir.write("bad.idb", "f 0644 root sys a a t\nf 0644 root sys b b\n");
+  // Good lines for well over a megabyte, the bad one beyond the first slice
+  // the open checks before it lets the old idb go; and a NUL in the last line.
+  std::string many;
+  for (int i = 0; i < 20000; i++)
+    many += "f 0644 root sys usr/share/doc/file" + std::to_string(i) + " src/file t.sw.base\n";
+  const std::string lateBad = dir.write("late.idb", many + "f 0644 root sys z z\n");
+  const std::string lateNul = dir.write("nul.idb", many + std::string("f 0644 root\0 sys z z t\n", 24));
   const struct {
     std::string file;
     std::vector<RecordingReporter::Event> events;
@@ -333,6 +365,12 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
        {{"log", "Couldn't open idb '" + missing + "' (No such file or directory)."}, {"show", ""}}},
       {bad,
        {{"log", "Couldn't read idb '" + bad + "' (Expected tag in field 7 on line 2)."},
+        {"show", ""}}},
+      {lateBad,
+       {{"log", "Couldn't read idb '" + lateBad + "' (Expected tag in field 7 on line 20001)."},
+        {"show", ""}}},
+      {lateNul,
+       {{"log", "Couldn't read idb '" + lateNul + "' (Unexpected NUL byte on line 20001)."},
         {"show", ""}}},
   };
   for (const auto& c : cases) {

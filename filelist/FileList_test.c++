@@ -181,6 +181,74 @@ TEST_F(FileListTest, RefusedOpensChangeNothingAndSayWhy) {
   EXPECT_EQ("Idb File:  " + dir.file("three.idb"), label());
 }
 
+// Stands in for the list as the model's busy indicator and, at the first
+// sign of life during the work, covers and uncovers the list with a window
+// of its own; the list must be drawn again before the work ends.
+class CoverDuringWork : public BusyIndicator {
+ public:
+  CoverDuringWork(FileList* list, Widget fileList) : _list(list), _fileList(fileList) {}
+  void busy() override { _list->busy(); }
+  void notBusy() override { _list->notBusy(); }
+  void stillBusy() override {
+    if (!_covered) {
+      _covered = true;
+      Display* d = UiTestApp::display();
+      Window root = DefaultRootWindow(d), child;
+      int x = 0, y = 0;
+      XTranslateCoordinates(d, XtWindow(_fileList), root, 0, 0, &x, &y, &child);
+      XSetWindowAttributes a{};
+      a.override_redirect = True;
+      a.background_pixel = BlackPixel(d, DefaultScreen(d));
+      Window cover = XCreateWindow(d, root, x, y, 400, 300, 0, CopyFromParent, InputOutput,
+                                   CopyFromParent, CWOverrideRedirect | CWBackPixel, &a);
+      XMapRaised(d, cover);
+      XSync(d, False);
+      XDestroyWindow(d, cover);
+      XSync(d, False);
+      inkAfterUncover = ink();
+    }
+    _list->stillBusy();
+    if (inkAfterRedraw < 0) inkAfterRedraw = ink();
+  }
+  // Pixels of the first rows' text (not the list's background).
+  int ink() {
+    Pixel background = 0;
+    XtVaGetValues(_fileList, XmNbackground, &background, nullptr);
+    const int h = 3 * OvListRowHeight(_fileList);
+    XImage* image =
+        XGetImage(UiTestApp::display(), XtWindow(_fileList), 10, 6, 120, h, AllPlanes, ZPixmap);
+    if (!image) return -1;
+    int n = 0;
+    for (int y = 0; y < h; y++)
+      for (int x = 0; x < 120; x++) n += XGetPixel(image, x, y) != background;
+    XDestroyImage(image);
+    return n;
+  }
+
+  int inkAfterUncover = -1;
+  int inkAfterRedraw = -1;
+
+ private:
+  FileList* _list;
+  Widget _fileList;
+  bool _covered = false;
+};
+
+TEST_F(FileListTest, TheListIsDrawnAgainDuringALongOpen) {
+  setView(1);
+  openThree();
+  UiTestApp::flush();
+  CoverDuringWork spy(list, widget("fileList"));
+  list->model().setBusyIndicator(&spy);
+  ASSERT_GT(spy.ink(), 0) << "the rows are drawn to begin with";
+  answerFileDialog(dir.write("other.idb", kThree));
+  choose("File/Open/Idb");
+  list->model().setBusyIndicator(list);
+  EXPECT_EQ("Opened idb '" + dir.file("other.idb") + "'.", lastLog());
+  EXPECT_EQ(0, spy.inkAfterUncover) << "uncovered, the list is blank until it is drawn";
+  EXPECT_GT(spy.inkAfterRedraw, 0) << "drawn again before the open ended";
+}
+
 TEST_F(FileListTest, AppendAndSaveAsGoThroughTheFileDialog) {
   setView(1);
   openThree();

@@ -28,9 +28,16 @@ class LineMatcher {
   bool ok() const;
   /// True when the expression matches somewhere in line.
   bool matches(std::string_view line) const;
+  /// True when the expression matches every line whatever its text (".*",
+  /// "x*"), so a selection need not look at the lines.
+  bool matchesEveryLine() const { return _every; }
+  /// True when it matches the empty line and no other ("^$").
+  bool matchesOnlyEmptyLine() const { return _onlyEmpty; }
 
  private:
   std::unique_ptr<re2::RE2> _re;
+  bool _every = false;
+  bool _onlyEmpty = false;
 };
 
 #endif

@@ -43,6 +43,35 @@ TEST(LineMatcherTest, MatchesAnywhereInTheLine) {
   }
 }
 
+// The shortcuts must agree with the expression itself on every line.
+TEST(LineMatcherTest, ShortcutsAgreeWithMatching) {
+  const struct {
+    const char* expression;
+    bool every, onlyEmpty;
+  } cases[] = {
+      {".*", true, false},      {"x*", true, false},       {"(a|)", true, false},
+      {"", true, false},        {"^$", false, true},       {"$^", false, true},
+      {"^^$$", false, true},    {"^", false, false},       {"$", false, false},
+      {"^.*$", false, false},   {"^x*$", false, false},    {"a", false, false},
+      {"[$]*", false, false},   {"\\\\.*", false, false},    {"^$|a", false, false},
+      {"[", false, false},
+  };
+  const char* lines[] = {"", "a", "x", "tool.sw.base build/tool", "$", "."};
+  for (const auto& c : cases) {
+    LineMatcher m(c.expression);
+    EXPECT_EQ(m.matchesEveryLine(), c.every) << c.expression;
+    EXPECT_EQ(m.matchesOnlyEmptyLine(), c.onlyEmpty) << c.expression;
+    for (const char* line : lines) {
+      if (m.matchesEveryLine()) {
+        EXPECT_TRUE(m.matches(line)) << c.expression << " on " << line;
+      }
+      if (m.matchesOnlyEmptyLine()) {
+        EXPECT_EQ(m.matches(line), !*line) << c.expression << " on '" << line << "'";
+      }
+    }
+  }
+}
+
 TEST(LineMatcherTest, RefusesExpressionsThatDoNotCompile) {
   for (const char* bad : {"[", "a[", "(", "a)", "*a", "x{2,1}", "[z-a]"}) {
     LineMatcher m(bad);

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <system_error>
 #include <thread>
 
@@ -100,11 +101,16 @@ bool isDerived(std::string_view attr) {
 // paths go on are ordered again by the next eight bytes.  The pairs start in
 // record order and every step is stable, so equal paths keep file order.
 
+// Twelve bytes: two of these per record are the sort's whole scratch space,
+// and during a save they come on top of the idb and its undo copy.  The
+// path a key came from is found through its record, at the depth its range
+// has reached.
+#pragma pack(push, 4)
 struct SortKey {
   std::uint64_t key;
-  const char* path;  // the destination path, to fetch the next key from
   std::uint32_t index;
 };
+#pragma pack(pop)
 
 std::uint64_t keyAt(const char* s) {
   std::uint64_t k = 0;
@@ -144,6 +150,7 @@ void radixSort(SortKey* a, SortKey* tmp, std::size_t n) {
 
 struct Range {
   std::size_t begin, size;
+  std::size_t depth;  // bytes of the paths already compared
 };
 
 // Adds the runs of equal keys in the sorted range r that still need the next
@@ -154,13 +161,14 @@ void pushTies(const SortKey* keys, Range r, std::vector<Range>& work) {
     std::size_t j = i + 1;
     while (j < r.size && a[j].key == a[i].key) ++j;
     // A key whose last byte is 0 holds the end of both paths: they are equal.
-    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i});
+    if (j - i > 1 && (a[i].key & 0xFF)) work.push_back({r.begin + i, j - i, r.depth + 8});
     i = j;
   }
 }
 
 // Orders every range of work, and the ties found in them, by the next bytes.
-void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
+void refine(const std::vector<idb>& records, SortKey* keys, SortKey* tmp,
+            std::vector<Range> work) {
   while (!work.empty()) {
     Range r = work.back();
     work.pop_back();
@@ -168,9 +176,9 @@ void refine(SortKey* keys, SortKey* tmp, std::vector<Range> work) {
     // The paths lie all over memory; fetching ahead hides the wait.
     constexpr std::size_t kAhead = 16;
     for (std::size_t i = 0; i < r.size; ++i) {
-      if (i + kAhead < r.size) __builtin_prefetch(a[i + kAhead].path + 8);
-      a[i].path += 8;
-      a[i].key = keyAt(a[i].path);
+      if (i + kAhead < r.size)
+        __builtin_prefetch(records[a[i + kAhead].index].dstpath().data() + r.depth);
+      a[i].key = keyAt(records[a[i].index].dstpath().data() + r.depth);
     }
     radixSort(a, tmp + r.begin, r.size);
     pushTies(keys, r, work);
@@ -188,12 +196,11 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   SortKey* keys = space.data();
   SortKey* tmp = keys + n;
   for (std::size_t i = 0; i < n; ++i) {
-    const char* path = records[i].dstpath().data();
-    keys[i] = {keyAt(path), path, static_cast<std::uint32_t>(i)};
+    keys[i] = {keyAt(records[i].dstpath().data()), static_cast<std::uint32_t>(i)};
   }
   radixSort(keys, tmp, n);
   std::vector<Range> ties;
-  pushTies(keys, {0, n}, ties);
+  pushTies(keys, {0, n, 0}, ties);
 
   // The runs of ties are independent of each other: a helper thread takes
   // about half of them (by size).
@@ -210,14 +217,14 @@ std::vector<std::uint32_t> sortOrder(const std::vector<idb>& records) {
   std::thread helper;
   if (!helperShare.empty()) {
     try {
-      helper = std::thread(refine, keys, tmp, helperShare);
+      helper = std::thread(refine, std::cref(records), keys, tmp, helperShare);
       helperShare.clear();
     } catch (const std::system_error&) {
       // No thread: all of it is done here.
     }
   }
-  refine(keys, tmp, std::move(ties));
-  refine(keys, tmp, std::move(helperShare));
+  refine(records, keys, tmp, std::move(ties));
+  refine(records, keys, tmp, std::move(helperShare));
   if (helper.joinable()) helper.join();
 
   std::vector<std::uint32_t> order(n);
@@ -620,12 +627,14 @@ int Idb::save(const std::string& file) {
   // The records are sorted in memory before they are written; when the
   // write fails they go back to the order the caller knows, so that its
   // positions (the list's lines and selection) still name the same records.
-  // The array they were in is kept rather than copied.
-  std::vector<idb> unsorted;
-  sort(&unsorted);
-  auto fail = [this, &unsorted](int err) {
-    if (!unsorted.empty()) {
-      _records.swap(unsorted);
+  // Only the permutation is kept for that, not a copy of the records.
+  std::vector<std::uint32_t> order;
+  sort(&order);
+  auto fail = [this, &order](int err) {
+    if (!order.empty()) {
+      std::vector<std::uint32_t> back(order.size());
+      for (std::size_t j = 0; j < order.size(); ++j) back[order[j]] = static_cast<std::uint32_t>(j);
+      permute(back);
       indexChanged();
     }
     return err;
@@ -810,24 +819,39 @@ void Idb::clear() {
 
 void Idb::sort() { sort(nullptr); }
 
-void Idb::sort(std::vector<idb>* previous) {
+void Idb::sort(std::vector<std::uint32_t>* order) {
   if (_records.size() < 2) return;
-  std::vector<std::uint32_t> order = sortOrder(_records);
-  // Gathered into a new array: the reads jump about, but their order is
-  // known in advance, so the records are fetched well before they are
-  // copied.  (Following the permutation's cycles in place would save the
-  // second array but waits on memory at every step.)
-  std::vector<idb> sorted;
-  sorted.reserve(_records.capacity());
-  TextArena::preferLargePages(sorted.data(), sorted.capacity() * sizeof(idb));
-  constexpr std::size_t kAhead = 16;
-  for (std::size_t j = 0; j < order.size(); ++j) {
-    if (j + kAhead < order.size()) __builtin_prefetch(&_records[order[j + kAhead]]);
-    sorted.push_back(_records[order[j]]);
-  }
-  _records.swap(sorted);
-  if (previous) previous->swap(sorted);
+  std::vector<std::uint32_t> sorted = sortOrder(_records);
+  permute(sorted);
+  if (order) order->swap(sorted);
   indexChanged();
+}
+
+void Idb::permute(const std::vector<std::uint32_t>& order) {
+  // In place, following the permutation's cycles: a second array of a
+  // million records would raise the peak of a save (the undo copy's records
+  // are held too) by their whole size.  The record two steps ahead on the
+  // cycle is fetched early, which keeps most of the waiting on memory off
+  // the path.
+  const std::size_t n = order.size();
+  std::vector<bool> placed(n, false);
+  for (std::size_t start = 0; start < n; ++start) {
+    if (placed[start] || order[start] == start) continue;
+    idb first = _records[start];
+    std::size_t j = start;
+    for (;;) {
+      std::size_t k = order[j];
+      placed[j] = true;
+      if (k == start) {
+        _records[j] = first;
+        break;
+      }
+      std::size_t next = order[k];
+      if (next != start) __builtin_prefetch(&_records[order[next]]);
+      _records[j] = _records[k];
+      j = k;
+    }
+  }
 }
 
 // ---- Field edits

@@ -213,9 +213,11 @@ class Idb {
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);
   void formatLines(std::string& out, std::size_t from, std::size_t to) const;
-  /// sort(), handing the records in their old order to previous (when there
-  /// were two or more).
-  void sort(std::vector<idb>* previous);
+  /// sort(), handing over the permutation applied (record j is now the one
+  /// that was at (*order)[j]) when there were two or more records.
+  void sort(std::vector<std::uint32_t>* order);
+  /// Record j becomes the one at order[j], in place.
+  void permute(const std::vector<std::uint32_t>& order);
   /// Record i for a change, or null when out of range.  Every edit of a
   /// record goes through here, so its cached line is dropped exactly once.
   idb* edit(int i);
