@@ -32,7 +32,7 @@ export SBASE=$work/tree DEBFULLNAME="Example Maintainer" DEBEMAIL=example@exampl
   >"$work/where" 2>"$work/driver.err" &
 driver_pid=$!
 ready() { grep -q '^ready$' "$work/where" || { kill -0 "$driver_pid" 2>/dev/null || return 0; return 1; }; }
-poll 240 ready && grep -q '^ready$' "$work/where" || fail "driver not ready: $(cat "$work/driver.err")"
+poll 120 ready && grep -q '^ready$' "$work/where" || fail "driver not ready: $(cat "$work/driver.err")"
 where() { awk -v k="$1" '$1 == k { print $2, $3 }' "$work/where"; }
 click() { xdotool mousemove --sync $1 $2 click 1; }
 logged() { grep -qxF -- "$1" "$work/log.txt" 2>/dev/null; }
@@ -42,8 +42,8 @@ shot() { import -window root "$out/$1.png" 2>/dev/null; }
 click $(where tab)
 click $(where dryrun)
 problem="$work/project/hello.idb:8: tag not mapped by any subsystem: hello.man.unknown"
-poll 240 logged "$problem" || fail "Test Build did not report the missing file: $(cat "$work/log.txt")"
-poll 240 logged "Done." || fail "no Done. after Test Build"
+poll 120 logged "$problem" || fail "Test Build did not report the missing file: $(cat "$work/log.txt")"
+poll 120 logged "Done." || fail "no Done. after Test Build"
 shot testbuild
 [ -e "$work/dist/Packages" ] && fail "Test Build wrote packages"
 
@@ -64,11 +64,11 @@ shot specnode
 cp "$example/hello.idb" project/hello.idb
 click $(where tab)
 click $(where dryrun)
-poll 240 logged "forgeset: check clean: 5 packages from 7 records" || fail "second Test Build not clean"
-poll 240 test "$(logs Done.)" = 2 || fail "no Done. after the second Test Build"
+poll 120 logged "forgeset: check clean: 5 packages from 7 records" || fail "second Test Build not clean"
+poll 120 test "$(logs Done.)" = 2 || fail "no Done. after the second Test Build"
 click $(where all)
-poll 240 logged "forgeset: built 5 packages in $work/dist" || fail "Build All: $(tail -n 5 "$work/log.txt")"
-poll 240 test "$(logs Done.)" = 3 || fail "no Done. after Build All: $(tail -n 4 "$work/log.txt")"
+poll 120 logged "forgeset: built 5 packages in $work/dist" || fail "Build All: $(tail -n 5 "$work/log.txt")"
+poll 120 test "$(logs Done.)" = 3 || fail "no Done. after Build All: $(tail -n 4 "$work/log.txt")"
 shot buildall
 for deb in hello_1.2_all hello.sw.base_1.2_amd64 hello.sw.lib_1.2_amd64 hello.sw.extras_1.2_all \
     hello.man.pages_1.2_all; do
