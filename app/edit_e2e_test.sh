@@ -47,20 +47,7 @@ start_xvfb
 mkdir -p "$work/services" "$work/project"
 sed "s|^Exec=.*|Exec=$prog -nofork|" "$template" >"$work/services/com.orvex.Tamblin.service"
 grep -q '^Name=com.orvex.Tamblin$' "$work/services/com.orvex.Tamblin.service" || fail "service file"
-cat >"$work/session.conf" <<CONF
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=$work</listen>
-  <servicedir>$work/services</servicedir>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
+session_bus_config "$work/services"
 
 # owned_by PID: PID owns the service's name.
 owned_by() {

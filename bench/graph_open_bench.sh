@@ -31,22 +31,7 @@ printf 'product p\n    id "P"\n    image i\n        id "I"\n        version 1\n 
 "$build/bench/spec_gen" 19800 >"$work/project/n20000.spec"  # 19,800 + 198 + 20 nodes
 
 # A session bus of our own, so that the program takes the request's name.
-cat >"$work/session.conf" <<CONF
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=$work</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
-read -r DBUS_SESSION_BUS_ADDRESS bus_pid < <(dbus-daemon --config-file="$work/session.conf" --fork \
-  --print-address=1 --print-pid=1 | paste -s -d' ')
-export DBUS_SESSION_BUS_ADDRESS
+start_session_bus
 
 owns_name() {
   dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \

@@ -17,23 +17,7 @@ fail_prefix=save_partial_e2e
 source "$(dirname "${BASH_SOURCE[0]}")/../tools/xvfb_session.sh"
 start_xvfb
 
-cat >"$work/session.conf" <<CONF
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=$work</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
-dbus-daemon --config-file="$work/session.conf" --fork --print-address=3 --print-pid=4 \
-  3>"$work/bus.address" 4>"$work/bus.pid"
-bus_pid=$(cat "$work/bus.pid")
-export DBUS_SESSION_BUS_ADDRESS=$(head -n1 "$work/bus.address")
+start_session_bus
 
 original='product p id P
 endimage

@@ -64,3 +64,37 @@ find_window() {
     sleep 0.1
   done
 }
+
+# session_bus_config [SERVICE_DIR]: writes $work/session.conf, a private
+# session bus listening in $work on which anyone may own any name (the
+# program takes its own there, never on the user's bus), with SERVICE_DIR
+# for activation files when given.
+session_bus_config() {
+  local services=
+  [[ -n ${1:-} ]] && services="  <servicedir>$1</servicedir>"
+  cat >"$work/session.conf" <<CONF
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=$work</listen>
+$services
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+CONF
+}
+
+# start_session_bus: that bus, running; exports DBUS_SESSION_BUS_ADDRESS and
+# sets bus_pid (name it in cleanup_pids so that it ends with the script).
+start_session_bus() {
+  session_bus_config
+  dbus-daemon --config-file="$work/session.conf" --fork --print-address=3 --print-pid=4 \
+    3>"$work/bus.address" 4>"$work/bus.pid"
+  bus_pid=$(head -n1 "$work/bus.pid")
+  DBUS_SESSION_BUS_ADDRESS=$(head -n1 "$work/bus.address")
+  export DBUS_SESSION_BUS_ADDRESS
+}
