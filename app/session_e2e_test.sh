@@ -66,7 +66,12 @@ field 705 325 2
 settle "Assign of the image" click 610 194
 settle "Add under the image" click 191 221        # a new subsystem, selected
 field 705 239 tools
-field 705 282 '"Tööl Files"'                  # typed UTF-8 must be kept
+# Typed UTF-8 must be kept.  xdotool maps each letter missing from the
+# keyboard onto a spare key for its press; two in a row can race that
+# mapping and lose one, so each goes alone.
+click 705 282; clear_field; type_text '"T'
+for _ in 1 2; do xdotool key odiaeresis; sleep 0.3; done
+type_text 'l Files"'
 click 462 349                                     # Default
 settle "Assign of the subsystem" click 610 194
 shot tab0_hierarchy
