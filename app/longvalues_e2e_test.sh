@@ -75,6 +75,6 @@ cp again.spec "$out/"; cmp expected.spec again.spec || fail "the saved spec diff
 menu -1
 ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
 poll 10 ended || fail "File > Quit did not end the program"
-wait "$prog_pid" || fail "exit status $?"
+wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
 prog_pid=
 echo "PASS: a 1.1 MB description shown cut, assigned and saved whole; screenshots in $out"

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 class Reporter;
 struct SpecReadReport;
@@ -51,6 +52,9 @@ EnvsubResult envsub(std::string& text, std::size_t* budget = nullptr);
 /// A new malloc'ed string: first, then sep if first is not empty, then
 /// second.  Null strings count as empty.
 char* BuildString(const char* first, const char* sep, const char* second);
+/// The same join in place, onto first: what the grammar uses, so that a
+/// value growing by one word at a time costs time in proportion to its size.
+void joinInto(std::string& first, const char* sep, std::string_view second);
 
 /// Makes the file name (after environment substitution) the current input.
 /// An include that is not readable as given is looked for beside the file

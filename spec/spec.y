@@ -8,6 +8,7 @@
 
 %code requires {
 #include <cstdlib>
+#include <string>
 }
 
 %code {
@@ -26,49 +27,55 @@ SpecGraphModel* theSpecGraph = nullptr;
 SpecNode* currentProduct = nullptr;
 SpecNode* currentImage = nullptr;
 SpecNode* currentSubsys = nullptr;
-char* mapping = nullptr;
-char* rules = nullptr;
+// What the current subsystem's exp and rule items add up to (null: none).
+std::unique_ptr<std::string> mapping;
+std::unique_ptr<std::string> rules;
 int PrereqWordsSeen = 0;
 
 void traceRule(int rule) {
   if (specDebug) std::printf("\nReduce %d: %s\n", rule, specRuleText(rule));
 }
 
-// Takes ownership of text: stores it with setter on node and frees it.
-void store(SpecNode* node, void (SpecNode::*setter)(const std::string&), char* text) {
+// Values grow by appending in place: a value of a hundred thousand words
+// must not be copied once per word.
+using Text = std::unique_ptr<std::string>;
+
+// Takes ownership of text and stores it with setter on node.
+void store(SpecNode* node, void (SpecNode::*setter)(const std::string&), std::string* text) {
+  Text owned(text);
   assert(node && "spec.y");
-  (node->*setter)(text);
-  std::free(text);
+  (node->*setter)(*owned);
 }
 
-void addRule(const char* keyword, char* words) {
-  char* entry = BuildString(keyword, " ", words);
-  char* joined = BuildString(rules, "\n", entry);
-  std::free(entry);
-  std::free(words);
-  std::free(rules);
-  rules = joined;
+void collect(Text& into, const std::string& item) {
+  if (!into) into = std::make_unique<std::string>();
+  joinInto(*into, "\n", item);
 }
 
-char* quoted(const char* quote, char* inner) {
-  std::string s = std::string(quote) + (inner ? inner : "") + quote;
-  std::free(inner);
-  return strdup(s.c_str());
+void addRule(const char* keyword, std::string* words) {
+  Text owned(words);
+  std::string entry = keyword;
+  joinInto(entry, " ", *owned);
+  collect(rules, entry);
+}
+
+std::string* quoted(const char* quote, std::string* inner) {
+  Text owned(inner);
+  return new std::string(quote + *owned + quote);
 }
 
 // Words of one item joined across lines keep the line break; only an exp
 // item keeps lines (a mapping has one expression per line), the others read
 // as one line.
-char* oneLine(char* text) {
-  for (char* p = text; *p; ++p)
-    if (*p == '\n') *p = ' ';
+std::string* oneLine(std::string* text) {
+  for (char& c : *text)
+    if (c == '\n') c = ' ';
   return text;
 }
 
 void clearCollected() {
-  std::free(mapping);
-  std::free(rules);
-  mapping = rules = nullptr;
+  mapping.reset();
+  rules.reset();
 }
 
 }  // namespace
@@ -90,6 +97,7 @@ static int tracedLex() {
 
 %union {
   char* str;
+  std::string* text;
 }
 
 %token <str> WORD 257
@@ -121,9 +129,10 @@ static int tracedLex() {
 %token CLIENTONLY 283
 %token INPLACE 284
 
-%type <str> words prereqs prereq
+%type <text> words prereqs prereq
 
 %destructor { std::free($$); } <str>
+%destructor { delete $$; } <text>
 
 %%
 
@@ -189,11 +198,11 @@ imageorder : %empty { R(); }
              {
                R();
                // As atoi: leading blanks, a sign, digits; 0 when there are none.
-               long value = std::strtol($2, nullptr, 10);
+               Text owned($2);
+               long value = std::strtol(owned->c_str(), nullptr, 10);
                if (value > 2147483647L) value = 2147483647L;
                if (value < -2147483647L - 1) value = -2147483647L - 1;
                currentImage->setOrder(static_cast<int>(value));
-               std::free($2);
              }
            ;
 
@@ -204,8 +213,8 @@ subsyss : subsys { R(); }
 subsys : SUBSYS subsysname subsysitems ENDSUBSYS
        {
          R();
-         if (mapping) currentSubsys->setMapping(mapping);
-         if (rules) currentSubsys->setRules(rules);
+         if (mapping) currentSubsys->setMapping(*mapping);
+         if (rules) currentSubsys->setRules(*rules);
          clearCollected();
        }
        ;
@@ -239,10 +248,8 @@ subsysitem : DEFAULT { R(); currentSubsys->setDefault(true); }
            | EXP words
              {
                R();
-               char* joined = BuildString(mapping, "\n", $2);
-               std::free($2);
-               std::free(mapping);
-               mapping = joined;
+               Text owned($2);
+               collect(mapping, *owned);
              }
            | REPLACES words { R(); addRule("replaces", oneLine($2)); }
            | FOLLOWS words { R(); addRule("follows", oneLine($2)); }
@@ -251,17 +258,12 @@ subsysitem : DEFAULT { R(); currentSubsys->setDefault(true); }
            | PREREQ '(' prereqs ')'
              {
                R();
-               char* open = BuildString("prereq (\n", " ", $3);
+               Text owned($3);
+               std::string group = "prereq (\n " + *owned;
                // The closing parenthesis stands alone, also after a group
                // that is not whole triples, so that it reads back as one.
-               std::size_t n = std::strlen(open);
-               char* group = BuildString(open, "", n && open[n - 1] == '\n' ? ")" : "\n)");
-               std::free(open);
-               std::free($3);
-               char* joined = BuildString(rules, "\n", group);
-               std::free(group);
-               std::free(rules);
-               rules = joined;
+               group += group.back() == '\n' ? ")" : "\n)";
+               collect(rules, group);
              }
            | CLIENTONLY { R(); }
            | INPLACE { R(); }
@@ -271,9 +273,9 @@ prereqs : prereq { R(); $$ = $1; }
         | prereqs prereq
           {
             R();
-            $$ = BuildString($1, " ", $2);
-            std::free($1);
-            std::free($2);
+            Text owned($2);
+            joinInto(*$1, " ", *owned);
+            $$ = $1;
           }
         ;
 
@@ -292,7 +294,7 @@ prereq : WORD
            value = $1;
          }
          std::free($1);
-         $$ = strdup(value.c_str());
+         $$ = new std::string(std::move(value));
        }
        ;
 
@@ -302,18 +304,18 @@ maint : %empty { R(); }
 
 maintname : WORD { R(); std::free($1); } ;
 
-words : WORD { R(); $$ = $1; }
+words : WORD { R(); $$ = new std::string($1); std::free($1); }
       | words WORD
         {
           R();
-          $$ = BuildString($1, @2.first_line != @1.last_line ? "\n" : " ", $2);
-          std::free($1);
+          joinInto(*$1, @2.first_line != @1.last_line ? "\n" : " ", $2);
           std::free($2);
+          $$ = $1;
         }
       | DOUBLEQUOTE words DOUBLEQUOTE { R(); $$ = quoted("\"", $2); }
-      | DOUBLEQUOTE DOUBLEQUOTE { R(); $$ = strdup("\"\""); }
+      | DOUBLEQUOTE DOUBLEQUOTE { R(); $$ = new std::string("\"\""); }
       | SINGLEQUOTE words SINGLEQUOTE { R(); $$ = quoted("'", $2); }
-      | SINGLEQUOTE SINGLEQUOTE { R(); $$ = strdup("''"); }
+      | SINGLEQUOTE SINGLEQUOTE { R(); $$ = new std::string("''"); }
       ;
 
 /* An empty file (the writer's text for a hierarchy without products) reads
