@@ -3,14 +3,13 @@
 #include <Xm/Text.h>
 
 #include "util/Format.h"
+#include "util/Utils.h"
 
 MessageLog::MessageLog(Widget text) : _text(text) {}
 
 std::string MessageLog::shown(std::string_view message) {
   if (message.size() <= kMaxLineBytes) return std::string(message);
-  // Back up to the start of a UTF-8 character, so the cut never splits one.
-  size_t cut = kMaxLineBytes;
-  while (cut > 0 && (static_cast<unsigned char>(message[cut]) & 0xC0) == 0x80) --cut;
+  size_t cut = utf8Prefix(message, kMaxLineBytes);
   return std::string(message.substr(0, cut)) +
          format("%s %zu more bytes]", kCutMark, message.size() - cut);
 }

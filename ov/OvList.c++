@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+#include "util/Utils.h"
+
 namespace {
 
 struct OvListClassPart {
@@ -319,11 +321,7 @@ void drawRow(Widget w, int position, std::vector<FcChar32>& glyphs) {
 
   std::string_view text = rowText(w, position);
   bool cut = text.size() > OvLIST_MAX_ROW_BYTES;
-  if (cut) {
-    size_t end = OvLIST_MAX_ROW_BYTES;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-    text = text.substr(0, end);
-  }
+  if (cut) text = text.substr(0, utf8Prefix(text, OvLIST_MAX_ROW_BYTES));
   decode(text, glyphs);
   int x0 = in + 1 - l.hoffset;
   Span s = visibleSpan(w, glyphs, x0, in, in + width);

@@ -140,6 +140,14 @@ std::string trimCurrent(const std::string& path) {
   return path;
 }
 
+std::size_t utf8Prefix(std::string_view text, std::size_t limit) {
+  if (text.size() <= limit) return text.size();
+  std::size_t end = limit;
+  // Continuation bytes are 10xxxxxx: back to the first byte of the character.
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  return end;
+}
+
 bool isShellPattern(const char* s) {
   return s && *s && std::strpbrk(s, "*?[]~$") != nullptr;
 }

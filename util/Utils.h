@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 /// The absolute canonical form of path: "" is the current directory, a
 /// leading "~" or "$NAME" is expanded (mypathexpandtilde), anything relative
@@ -35,6 +36,10 @@ bool samePath(const std::string& path1, const std::string& path2);
 /// path relative to the current directory when it lies under it (first as
 /// "PWD" names it, then as getcwd does), else path unchanged.
 std::string trimCurrent(const std::string& path);
+
+/// The length of text's longest head of at most limit bytes that does not
+/// end inside a UTF-8 character: where a value too long to draw is cut.
+std::size_t utf8Prefix(std::string_view text, std::size_t limit);
 
 /// True when s holds any of "*?[]~$"; false for null or "".
 bool isShellPattern(const char* s);

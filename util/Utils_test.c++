@@ -249,3 +249,22 @@ TEST(UtilsDeathTest, OutOfMemoryExitsWithItsMessage) {
 }
 
 }  // namespace
+
+TEST(Utf8PrefixTest, NeverEndsInsideACharacter) {
+  struct Case {
+    std::string_view text;
+    std::size_t limit;
+    std::size_t expected;
+  } cases[] = {
+      {"abc", 5, 3},                    // shorter than the limit: whole
+      {"abcd", 4, 4},                   // exactly the limit
+      {"ab\xc3\xbc", 3, 2},             // would keep half of a two-byte letter
+      {"ab\xc3\xbc" "c", 4, 4},         // the letter ends at the limit
+      {"\xe2\x80\xa6xyz", 2, 0},        // inside a three-byte mark at the start
+      {"a\xf0\x9f\x98\x80", 4, 1},      // inside a four-byte character
+      {"\x80\x80\x80\x80", 2, 0},       // stray continuation bytes: nothing left
+      {"abc", 0, 0},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(c.expected, utf8Prefix(c.text, c.limit)) << c.text << " " << c.limit;
+}

@@ -6,6 +6,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "util/Utils.h"
+
 void deblankTextField(Widget textField) {
   char* text = XmTextFieldGetString(textField);
   std::string kept;
@@ -88,9 +90,7 @@ void setTextOf(Widget field, const std::string& text) {
 
 std::string shownValue(const std::string& value) {
   if (value.size() <= kLongestShownValue) return value;
-  size_t end = kShownPartOfCutValue;
-  // Back to the start of a UTF-8 character (continuation bytes are 10xxxxxx).
-  while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0) == 0x80) --end;
+  size_t end = utf8Prefix(value, kShownPartOfCutValue);
   return "[CUT: " + std::to_string(value.size()) + " bytes, too long to show; kept whole] " +
          value.substr(0, end) + " ...";
 }

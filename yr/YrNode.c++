@@ -2,6 +2,8 @@
 
 #include <Xm/Xm.h>
 
+#include "util/Utils.h"
+
 namespace {
 
 XmString labelString(const std::string& shown) {
@@ -44,10 +46,7 @@ bool YrNode::hasWidget() const {
 
 std::string YrNode::shownLabel(const std::string& label) {
   if (label.size() <= kShownLabelBytes) return label;
-  std::size_t cut = kShownLabelBytes;
-  // Not inside a UTF-8 sequence: back to the start of its character.
-  while (cut > 0 && (static_cast<unsigned char>(label[cut]) & 0xC0) == 0x80) --cut;
-  return label.substr(0, cut) + "...";
+  return label.substr(0, utf8Prefix(label, kShownLabelBytes)) + "...";
 }
 
 void YrNode::setLabel(const std::string& label) {
