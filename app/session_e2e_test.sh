@@ -151,7 +151,7 @@ poll 10 test -s session.idb || fail "no idb saved"
 menu -1
 ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
 poll 10 ended || fail "File > Quit did not end the program after saving"
-wait "$prog_pid" || fail "exit status $?"
+wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
 prog_pid=
 
 # ---- Again: File > Open > Both, then save under new names -----------------------------
@@ -182,7 +182,7 @@ done
 poll 10 test -s again.idb || fail "no idb saved after reopening"
 menu -1
 poll 10 ended || fail "File > Quit did not end the reopened program"
-wait "$prog_pid" || fail "exit status $?"
+wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
 prog_pid=
 
 # ---- What was saved ------------------------------------------------------------------
