@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Hostile input through the real window: an idb record with a 1 MB
 # attribute shown on "Add Attributes", a 133-byte spec that doubles a
-# variable thirty times, and a spec that includes 50 MB of random bytes.
-# After each the program is alive, its window answers a tab click at once,
-# and it has not grown without bound.
+# variable thirty times, a spec that includes 50 MB of random bytes, and one
+# that includes itself.  After each the program is alive, its window answers
+# a tab click at once, and it has not grown without bound; the product of
+# the include cycle is read, and saved, once.
 #
 # usage: hostile_e2e_test.sh TAMBLIN OUTPUT_DIR
 set -euo pipefail
@@ -32,6 +33,8 @@ cd "$work/run"
   echo 'endimage endproduct'
 } >doubling.spec
 head -c $((50 << 20)) /dev/urandom >random.dat
+printf 'product p id P image i id I version 1 subsys s id S endsubsys endimage endproduct\ninclude cycle.spec\n' \
+  >cycle.spec
 printf 'include random.dat\nproduct p id P image i id I version 1 subsys s id S endsubsys endimage endproduct\n' \
   >random.spec
 
@@ -86,6 +89,21 @@ bounded
 secs=$(( $(date +%s) - start ))
 (( secs < 60 )) || fail "the 50 MB include kept the window busy for $secs s"
 
+# ---- the include cycle: one product, saved once ----------------------------------
+open_file 0 'Open Spec' cycle.spec
+shot cycle
+menu 4 0
+wait_window 'Save Spec' >/dev/null
+clear_field
+type_text "$work/run/cycle_saved.spec"
+xdotool key Return
+wait_gone 'Save Spec'
+poll 10 test -s cycle_saved.spec || fail "the spec of the include cycle was not saved"
+cp cycle_saved.spec "$out/"
+products=$(grep -c '^product ' cycle_saved.spec || true)
+(( products == 1 )) || fail "the include cycle gave $products products"
+bounded
+
 menu -1
 question=$(visible '^Question$' || true)
 if [[ -n $question ]]; then wait_window Question >/dev/null; xdotool key Return; fi
@@ -93,4 +111,4 @@ ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
 poll 20 ended || fail "File > Quit did not end the program"
 wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
 prog_pid=
-echo "PASS: a 1 MB attribute, a doubling spec and a 50 MB binary include survived; screenshots in $out"
+echo "PASS: a 1 MB attribute, a doubling spec, a 50 MB binary include and an include cycle survived; screenshots in $out"
