@@ -14,10 +14,11 @@
 #include "filelist/FileListModel.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecGraphModel.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrProgram.h"
 
 namespace {
@@ -138,8 +139,7 @@ bool Generate::run(const char* action) {
   if (!dst) return false;
   if (!saveFiles()) return false;
 
-  YrApp* app = YrApp::theApp();
-  if (app) app->busy();
+  BusyScope busy(YrBusyIndicator::application());
   BuildOptions options;
   options.program = buildProgram();
   options.destRoot = *dst;
@@ -154,9 +154,7 @@ bool Generate::run(const char* action) {
   BuildCommand command(options);
   _reporter.showMessages();
   _reporter.logMessage(command.text());
-  bool started = startProgram(command.argv());
-  if (app) app->notBusy();
-  return started;
+  return startProgram(command.argv());
 }
 
 bool Generate::startProgram(const std::vector<std::string>& argv) {

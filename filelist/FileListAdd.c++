@@ -13,9 +13,10 @@
 #include "filelist/LineMatcher.h"
 #include "filelist/PanelFields.h"
 #include "idb/StringSet.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 #include "yr/YrInterruptDialog.h"
 
@@ -121,7 +122,7 @@ void FileListAdd::setBrowsingDirectory(const char* text) {
     setFieldText(_directoryTextField, browsingDirectory());
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   _browsingDirectory = canonical;
   setFieldText(_directoryTextField, canonical);
   std::unique_ptr<StringSet> names = BrowserDirectory::readEntries(canonical);
@@ -266,7 +267,7 @@ void FileListAdd::selectionTextField(Widget, XtPointer) {
     std::fflush(stdout);
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   XmListDeselectAllItems(_filesList);
   std::vector<int> positions;
   for (int i = 0; i < static_cast<int>(_names.size()); i++) {
@@ -315,12 +316,11 @@ bool FileListAdd::searchInterrupted(int count) {
 bool FileListAdd::addDir(const std::string& dir, StringSet& set, int& count) {
   DirectorySearch::Poll poll = [this](int n) { return searchInterrupted(n); };
   if (!DirectorySearch::addDir(dir, set, count, poll)) return false;
-  if (YrApp* app = YrApp::theApp()) {
-    char text[64];
-    std::snprintf(text, sizeof text, "Added \n%d files.", set.count());
-    app->busy(text);
-    app->notBusy();
-  }
+  // Called inside the Add's busy scope: the count stays in the working
+  // dialog until the whole Add ends.
+  char text[64];
+  std::snprintf(text, sizeof text, "Added \n%d files.", set.count());
+  BusyScope added(YrBusyIndicator::application(), text);
   return true;
 }
 
@@ -331,7 +331,7 @@ void FileListAdd::addSelectedFiles() {
     return;
   }
   if (!_fileList || _fileList->totalUnfound() > 0) return;
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   StringSet newItems("New Items");
   int count = 0;
   const std::string root = _fileList->sourceRoot();
@@ -369,7 +369,7 @@ void FileListAdd::addSelectedFiles() {
 // ---- directory chooser -----------------------------------------------------------------
 
 void FileListAdd::showOpenBrowser() {
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   if (!_chooser) {
     _chooser = XmCreateFileSelectionDialog(_baseWidget, const_cast<char*>("fileListBrowser"),
                                            nullptr, 0);

@@ -7,8 +7,10 @@
 #include "filelist/FileListModel.h"
 #include "filelist/PanelFields.h"
 #include "mach/MachTables.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/XmUtils.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 
 namespace {
@@ -123,7 +125,7 @@ void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
       getTheErrorDialog()->post(kNoSelection);
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   _fileList->backup();
   _fileList->deleteAttributes();
   for (const std::string& attr : AttrsText::compose(state())) _fileList->addAttribute(attr);
@@ -225,7 +227,7 @@ void FileListAttrs::modelToggleButtonCallback(Widget w, XtPointer clientData, Xt
 }
 
 void FileListAttrs::selectCpuBoards(const char* processor) {
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   setMachOn();
   _mach->selectCpuBoards(processor);
   syncToggles();

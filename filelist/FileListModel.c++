@@ -21,7 +21,6 @@
 #include "filelist/AddFilesPartner.h"
 #include "filelist/AttrsPartner.h"
 #include "filelist/BuildPartner.h"
-#include "filelist/BusyIndicator.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
 #include "filelist/LineMatcher.h"
@@ -32,6 +31,8 @@
 #include "idb/Idb.h"
 #include "idb/StringSet.h"
 #include "util/AtomicFile.h"
+#include "util/BusyIndicator.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
@@ -43,23 +44,6 @@ namespace {
 // Below this many lines a selection is quick enough on one thread.
 constexpr int kParallelLines = 20000;
 }  // namespace
-
-// Busy from construction to destruction, so that every early return of a
-// long operation clears the busy state again.
-class FileListModel::BusyScope {
- public:
-  explicit BusyScope(BusyIndicator* busy) : _busy(busy) {
-    if (_busy) _busy->busy();
-  }
-  ~BusyScope() {
-    if (_busy) _busy->notBusy();
-  }
-  BusyScope(const BusyScope&) = delete;
-  BusyScope& operator=(const BusyScope&) = delete;
-
- private:
-  BusyIndicator* _busy;
-};
 
 namespace {
 

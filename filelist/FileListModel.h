@@ -228,8 +228,6 @@ class FileListModel {
   const Idb& idb() const { return *_idb; }
 
  private:
-  class BusyScope;
-
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
   void formatLine(int index, std::string& out) const;

@@ -5,8 +5,10 @@
 #include "filelist/FileListModel.h"
 #include "filelist/PanelFields.h"
 #include "filelist/PermsValues.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/XmUtils.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 
 namespace {
@@ -90,7 +92,7 @@ void FileListPerms::assignArrowButton(Widget, XtPointer) {
     error(kNoSelection);
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   _fileList->backup();
   // The fields are applied as they stand, without the normalisation of
   // Return, in this fixed order; a refused directory stops everything

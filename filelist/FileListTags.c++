@@ -9,8 +9,9 @@
 #include "filelist/FileListModel.h"
 #include "idb/StringSet.h"
 #include "spec/SpecGraphModel.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 
 const char* const FileListTags::kNoEntrySelected =
     "You haven't selected any idb entries to assign too.\n"
@@ -227,12 +228,10 @@ void FileListTags::arrowButton(Widget, XtPointer) {
     _reporter.error(kNoEntrySelected);
     return;
   }
-  YrApp* app = YrApp::theApp();
-  if (app) app->busy();
+  BusyScope busy(YrBusyIndicator::application());
   if (selectedPosition() == 0)
     _reporter.error(kNoTagSelected);
   else
     _fileList->replaceTag(getCurrent());
   _fileList->refresh();
-  if (app) app->notBusy();
 }

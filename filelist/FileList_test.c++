@@ -187,8 +187,8 @@ TEST_F(FileListTest, RefusedOpensChangeNothingAndSayWhy) {
 class CoverDuringWork : public BusyIndicator {
  public:
   CoverDuringWork(FileList* list, Widget fileList) : _list(list), _fileList(fileList) {}
-  void busy() override { _list->busy(); }
-  void notBusy() override { _list->notBusy(); }
+  void busy(const std::string& message) override { _list->busyIndicator().busy(message); }
+  void notBusy() override { _list->busyIndicator().notBusy(); }
   void stillBusy() override {
     if (!_covered) {
       _covered = true;
@@ -207,7 +207,7 @@ class CoverDuringWork : public BusyIndicator {
       XSync(d, False);
       inkAfterUncover = ink();
     }
-    _list->stillBusy();
+    _list->busyIndicator().stillBusy();
     if (inkAfterRedraw < 0) inkAfterRedraw = ink();
   }
   // Pixels of the first rows' text (not the list's background).
@@ -243,7 +243,7 @@ TEST_F(FileListTest, TheListIsDrawnAgainDuringALongOpen) {
   ASSERT_GT(spy.ink(), 0) << "the rows are drawn to begin with";
   answerFileDialog(dir.write("other.idb", kThree));
   choose("File/Open/Idb");
-  list->model().setBusyIndicator(list);
+  list->model().setBusyIndicator(&list->busyIndicator());
   EXPECT_EQ("Opened idb '" + dir.file("other.idb") + "'.", lastLog());
   EXPECT_EQ(0, spy.inkAfterUncover) << "uncovered, the list is blank until it is drawn";
   EXPECT_GT(spy.inkAfterRedraw, 0) << "drawn again before the open ended";
