@@ -126,10 +126,9 @@ void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
     return;
   }
   BusyScope busy(YrBusyIndicator::application());
-  _fileList->backup();
+  FileListModel::Edit edit(*_fileList);
   _fileList->deleteAttributes();
   for (const std::string& attr : AttrsText::compose(state())) _fileList->addAttribute(attr);
-  _fileList->refresh();
 }
 
 void FileListAttrs::attrsClear() {

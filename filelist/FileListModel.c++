@@ -230,9 +230,10 @@ std::optional<std::string> FileListModel::setSourceRoot(const std::string& typed
         cantPrependRoot(root, true);
       return std::nullopt;
     }
-    backup();
-    rewriteSourcePaths(root);
-    refresh();
+    {
+      Edit edit(*this);
+      rewriteSourcePaths(root);
+    }
     _modified = true;
   }
   deselectAll();
@@ -468,15 +469,16 @@ bool FileListModel::read(const std::string& file) {
     return false;
   }
   BusyScope busy(_busy);
-  backup();
-  if (std::optional<std::string> message = _idb->append(file)) {
-    _reporter.logMessage(*message);
-    _reporter.showMessages();
-    *_idb = *_backup;
-    return false;
+  {
+    Edit edit(*this);
+    if (std::optional<std::string> message = _idb->append(file)) {
+      _reporter.logMessage(*message);
+      _reporter.showMessages();
+      *_idb = *_backup;
+      return false;
+    }
+    _modified = true;
   }
-  _modified = true;
-  refresh();
   refreshPartners();
   return true;
 }
@@ -796,11 +798,12 @@ void FileListModel::add(const std::vector<std::string>& paths) {
   BusyScope busy(_busy);
   std::vector<const std::string*> storable = storablePaths(paths);
   if (storable.empty()) return;
-  backup();
-  const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
-  for (const std::string* path : storable) _idb->add(*path, tag, _sourceRoot);
-  _modified = true;
-  refresh();
+  {
+    Edit edit(*this);
+    const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
+    for (const std::string* path : storable) _idb->add(*path, tag, _sourceRoot);
+    _modified = true;
+  }
   if (_display) _display->showLastLine();
 }
 
@@ -843,7 +846,7 @@ void FileListModel::removeItems(const std::vector<char>& doomed) {
 void FileListModel::removeSelected() {
   if (_selected.count() == 0) return;
   BusyScope busy(_busy);
-  backup();
+  Edit edit(*this);
   // Records go from the last selected to the first; a removed record's source
   // path is unmarked in the browser when, at that moment, no remaining record
   // installs to it.  Remaining then are the unselected records and the
@@ -875,9 +878,16 @@ void FileListModel::removeSelected() {
   }
   removeItems(_selected.flags());
   for (const std::string& src : unmarks) _addPanel->unmark(src);
-  refresh();
   _modified = true;
   deselectAll();
+}
+
+FileListModel::Edit::Edit(FileListModel& model) : _model(model) {
+  if (_model._editDepth++ == 0) _model.backup();
+}
+
+FileListModel::Edit::~Edit() {
+  if (--_model._editDepth == 0) _model.refresh();
 }
 
 void FileListModel::backup() {
@@ -930,7 +940,8 @@ std::string_view FileListModel::listLine(int item, std::string& buffer) const {
 
 void FileListModel::createPatch(const std::string& patchName, const std::vector<int>& keep) {
   BusyScope busy(_busy);
-  backup();
+  // The records that go and the new tags are one step.
+  Edit edit(*this);
   // From the last item down, with a cursor into keep that moves down past
   // every entry above the item: what is not under the cursor goes.
   std::vector<char> doomed(_idb->count(), 0);
@@ -940,7 +951,6 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
     if (cursor < 0 || keep[cursor] != item) doomed[item - 1] = 1;
   }
   removeItems(doomed);
-  refresh();
   deselectAll();
 
   if (_specGraph) {
@@ -969,11 +979,12 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
 
 // ---- edits of the selected records -------------------------------------------------
 
-template <class Edit>
-bool FileListModel::editSelected(Edit edit) {
+template <class Change>
+bool FileListModel::editSelected(Change change) {
   if (_selected.count() == 0) return false;
+  Edit step(*this);
   for (int i = 0; i < _selected.size() && i < _idb->count(); i++)
-    if (_selected[i]) edit(i);
+    if (_selected[i]) change(i);
   _modified = true;
   return true;
 }
@@ -1028,8 +1039,6 @@ void FileListModel::replaceDestFile(const std::string& typed) {
 }
 
 void FileListModel::replaceTag(const std::string& tag) {
-  if (_selected.count() == 0) return;
-  backup();
   editSelected([&](int i) { _idb->setTag(i, tag); });
 }
 
@@ -1044,7 +1053,5 @@ void FileListModel::addDirsAttribute(const std::string& attr) {
 }
 
 void FileListModel::deleteAttributes() {
-  if (_selected.count() == 0) return;
-  backup();
   editSelected([&](int i) { _idb->deleteAttributes(static_cast<unsigned>(i) + 1); });
 }

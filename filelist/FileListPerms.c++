@@ -93,10 +93,10 @@ void FileListPerms::assignArrowButton(Widget, XtPointer) {
     return;
   }
   BusyScope busy(YrBusyIndicator::application());
-  _fileList->backup();
+  FileListModel::Edit edit(*_fileList);
   // The fields are applied as they stand, without the normalisation of
   // Return, in this fixed order; a refused directory stops everything
-  // after it (the backup above has been taken all the same).
+  // after it (the undo step has begun all the same).
   if (isNonNullTextField(_destDirTextField)) {
     std::string dir = fieldText(_destDirTextField);
     std::string refusal = PermsValues::checkDestDir(dir);
@@ -113,7 +113,6 @@ void FileListPerms::assignArrowButton(Widget, XtPointer) {
     _fileList->replaceMode(PermsValues::parseMode(fieldText(_modeTextField)));
   if (isNonNullTextField(_ownerTextField)) _fileList->replaceOwner(fieldText(_ownerTextField));
   if (isNonNullTextField(_groupTextField)) _fileList->replaceGroup(fieldText(_groupTextField));
-  _fileList->refresh();
 }
 
 void FileListPerms::applyArrowButton(Widget, XtPointer) {

@@ -233,5 +233,4 @@ void FileListTags::arrowButton(Widget, XtPointer) {
     _reporter.error(kNoTagSelected);
   else
     _fileList->replaceTag(getCurrent());
-  _fileList->refresh();
 }
