@@ -43,7 +43,7 @@ FileListAttrs::FileListAttrs(const char* name, Widget parent)
 FileListAttrs::~FileListAttrs() = default;
 
 void FileListAttrs::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
+  _model = fileList;
   _reporter = reporter;
 }
 
@@ -118,7 +118,7 @@ AttrsState FileListAttrs::state() const {
 // ---- Assign and Clear ------------------------------------------------------------------
 
 void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
-  if (!_fileList || _fileList->totalSelected() == 0) {
+  if (!_model || _model->totalSelected() == 0) {
     if (_reporter)
       _reporter->error(kNoSelection);
     else
@@ -126,9 +126,9 @@ void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
     return;
   }
   BusyScope busy(YrBusyIndicator::application());
-  FileListModel::Edit edit(*_fileList);
-  _fileList->deleteAttributes();
-  for (const std::string& attr : AttrsText::compose(state())) _fileList->addAttribute(attr);
+  FileListModel::Edit edit(*_model);
+  _model->deleteAttributes();
+  for (const std::string& attr : AttrsText::compose(state())) _model->addAttribute(attr);
 }
 
 void FileListAttrs::attrsClear() {

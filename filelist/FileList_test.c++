@@ -186,7 +186,7 @@ TEST_F(FileListTest, RefusedOpensChangeNothingAndSayWhy) {
 // of its own; the list must be drawn again before the work ends.
 class CoverDuringWork : public BusyIndicator {
  public:
-  CoverDuringWork(FileList* list, Widget fileList) : _list(list), _fileList(fileList) {}
+  CoverDuringWork(FileList* list, Widget listWidget) : _list(list), _listWidget(listWidget) {}
   void busy(const std::string& message) override { _list->busyIndicator().busy(message); }
   void notBusy() override { _list->busyIndicator().notBusy(); }
   void stillBusy() override {
@@ -195,7 +195,7 @@ class CoverDuringWork : public BusyIndicator {
       Display* d = UiTestApp::display();
       Window root = DefaultRootWindow(d), child;
       int x = 0, y = 0;
-      XTranslateCoordinates(d, XtWindow(_fileList), root, 0, 0, &x, &y, &child);
+      XTranslateCoordinates(d, XtWindow(_listWidget), root, 0, 0, &x, &y, &child);
       XSetWindowAttributes a{};
       a.override_redirect = True;
       a.background_pixel = BlackPixel(d, DefaultScreen(d));
@@ -213,10 +213,10 @@ class CoverDuringWork : public BusyIndicator {
   // Pixels of the first rows' text (not the list's background).
   int ink() {
     Pixel background = 0;
-    XtVaGetValues(_fileList, XmNbackground, &background, nullptr);
-    const int h = 3 * OvListRowHeight(_fileList);
+    XtVaGetValues(_listWidget, XmNbackground, &background, nullptr);
+    const int h = 3 * OvListRowHeight(_listWidget);
     XImage* image =
-        XGetImage(UiTestApp::display(), XtWindow(_fileList), 10, 6, 120, h, AllPlanes, ZPixmap);
+        XGetImage(UiTestApp::display(), XtWindow(_listWidget), 10, 6, 120, h, AllPlanes, ZPixmap);
     if (!image) return -1;
     int n = 0;
     for (int y = 0; y < h; y++)
@@ -230,7 +230,7 @@ class CoverDuringWork : public BusyIndicator {
 
  private:
   FileList* _list;
-  Widget _fileList;
+  Widget _listWidget;
   bool _covered = false;
 };
 
