@@ -7,7 +7,9 @@
 #include "app/AppDefaultsPath.h"
 #include "app/MainWindow.h"
 #include "app/MyApp.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrIdleProbe.h"
 
 namespace {
@@ -38,12 +40,13 @@ int main(int argc, char** argv) {
   std::string text = banner();
   std::printf("%s\n", text.c_str());
   std::fflush(stdout);
-  app->busy(text.c_str(), nullptr);
-  auto* window = new MainWindow("tamblin");
-  window->initialize();
-  window->setTitle("Tamblin");
-  window->show();
-  YrIdleProbe::installFromEnvironment(window->shell());
-  app->notBusy();
+  {
+    BusyScope starting(YrBusyIndicator::application(), text);
+    auto* window = new MainWindow("tamblin");
+    window->initialize();
+    window->setTitle("Tamblin");
+    window->show();
+    YrIdleProbe::installFromEnvironment(window->shell());
+  }
   return app->run();
 }

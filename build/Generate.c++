@@ -14,10 +14,11 @@
 #include "filelist/FileListModel.h"
 #include "ov/OvGrid.h"
 #include "spec/SpecGraphModel.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrProgram.h"
 
 namespace {
@@ -70,21 +71,21 @@ void Generate::setSpecFileLabel(const std::string& text) {
 }
 
 std::optional<std::string> Generate::getSourceRoot() {
-  if (!_fileList) return std::nullopt;
+  if (!_fileListModel) return std::nullopt;
   const std::string text = fieldText(_sourceRootTextField);
   // An empty field leaves the option out of the command.
   if (text.empty()) return text;
-  std::optional<std::string> root = _fileList->setSourceRoot(text);
-  if (!root) setSourceRoot(_fileList->sourceRoot());
+  std::optional<std::string> root = _fileListModel->setSourceRoot(text);
+  if (!root) setSourceRoot(_fileListModel->sourceRoot());
   return root;
 }
 
 std::optional<std::string> Generate::getDestRoot() {
-  if (!_fileList) return std::nullopt;
+  if (!_fileListModel) return std::nullopt;
   const std::string text = fieldText(_destRootTextField);
   if (text.empty()) return text;
-  std::optional<std::string> root = _fileList->setDestRoot(text);
-  if (!root) setDestRoot(_fileList->destRoot() ? *_fileList->destRoot() : std::string());
+  std::optional<std::string> root = _fileListModel->setDestRoot(text);
+  if (!root) setDestRoot(_fileListModel->destRoot() ? *_fileListModel->destRoot() : std::string());
   return root;
 }
 
@@ -107,7 +108,7 @@ void Generate::dryrunPushButton(Widget, XtPointer) { run(kBuildDryrun); }
 // The build writes a binary idb into the distribution directory: it must
 // not be where the text idb lives.  A missing directory is made.
 bool Generate::checkDistDir(const std::string& dist) {
-  std::string idbName = _fileList ? _fileList->idbFileName() : std::string();
+  std::string idbName = _fileListModel ? _fileListModel->idbFileName() : std::string();
   if (idbName.empty())
     idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
   if (std::optional<std::string> message = ::checkDistDir(DistDirUse::Build, idbName, dist)) {
@@ -120,10 +121,11 @@ bool Generate::checkDistDir(const std::string& dist) {
 // The build reads the files from disk: unnamed or changed ones are saved
 // first (which may ask for a name).
 bool Generate::saveFiles() {
-  if (!_specGraph || !_fileList) return false;
+  if (!_specGraph || !_fileListModel) return false;
   if ((_specGraph->specFileName().empty() || _specGraph->changed()) && !_specGraph->save(nullptr))
     return false;
-  if ((_fileList->idbFileName().empty() || _fileList->modified()) && !_fileList->save(nullptr))
+  if ((_fileListModel->idbFileName().empty() || _fileListModel->modified()) &&
+      !_fileListModel->save(nullptr))
     return false;
   return true;
 }
@@ -138,13 +140,12 @@ bool Generate::run(const char* action) {
   if (!dst) return false;
   if (!saveFiles()) return false;
 
-  YrApp* app = YrApp::theApp();
-  if (app) app->busy();
+  BusyScope busy(YrBusyIndicator::application());
   BuildOptions options;
   options.program = buildProgram();
   options.destRoot = *dst;
   options.sourceRoot = *src;
-  options.idbName = _fileList->idbFileName();
+  options.idbName = _fileListModel->idbFileName();
   options.specName = _specGraph->specFileName();
   options.distDir = dist;
   options.verbose = XmToggleButtonGetState(_verboseToggleButton);
@@ -154,9 +155,7 @@ bool Generate::run(const char* action) {
   BuildCommand command(options);
   _reporter.showMessages();
   _reporter.logMessage(command.text());
-  bool started = startProgram(command.argv());
-  if (app) app->notBusy();
-  return started;
+  return startProgram(command.argv());
 }
 
 bool Generate::startProgram(const std::vector<std::string>& argv) {

@@ -32,7 +32,7 @@ class Generate : public GenerateUI, public BuildPartner {
   ~Generate() override;
   const char* className() const override { return "Generate"; }
 
-  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
   void setSpecGraph(SpecGraphModel* specGraph) { _specGraph = specGraph; }
 
   // What the file list tells and asks the panel.
@@ -75,7 +75,7 @@ class Generate : public GenerateUI, public BuildPartner {
   static std::string fieldText(Widget field);
 
   Reporter& _reporter;
-  FileListModel* _fileList = nullptr;
+  FileListModel* _fileListModel = nullptr;
   SpecGraphModel* _specGraph = nullptr;
   // One runner per build started; a finished one is released by the next run
   // or with the panel (never inside its own callbacks).

@@ -14,11 +14,12 @@
 FileList::FileList(const char* name, Widget parent, View& view)
     : FileListUI(name, parent),
       _view(view),
+      _busy(baseWidget()),
       _model(std::make_unique<FileListModel>(view.reporter())),
       _listView(_fileList, *this, *this) {
   _model->setDisplay(this);
   _model->setFileNamePrompt(this);
-  _model->setBusyIndicator(this);
+  _model->setBusyIndicator(&_busy);
   fileNameChanged(_model->fileNameLabel());
 }
 
@@ -56,7 +57,7 @@ void FileList::refresh() {
 }
 
 // ---------------------------------------------------------------------------
-// The model's display, prompt and busy state
+// The model's display and prompt
 // ---------------------------------------------------------------------------
 
 void FileList::linesChanged() { _listView.contentsChanged(); }
@@ -80,26 +81,6 @@ bool FileList::askFileName(const std::string& title, const std::string& filter,
   // it stays up (application modal) the rest of the program takes no input.
   dialog->unpost();
   return ok;
-}
-
-// Opening, saving and checking a large idb take a while without a return
-// to the event loop: what is waiting to be drawn (the place a dialog just
-// left, a pressed button) is drawn before the work starts, again every so
-// often during it (stillBusy), and the list as soon as it ends.
-void FileList::busy() {
-  if (YrApp* app = YrApp::theApp()) app->busy();
-  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
-}
-
-void FileList::notBusy() {
-  if (YrApp* app = YrApp::theApp()) app->notBusy();
-  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
-}
-
-// Called every so often during that work: what was covered and uncovered
-// meanwhile is drawn again.  Only exposures are taken; input waits.
-void FileList::stillBusy() {
-  if (XtIsRealized(baseWidget())) XmUpdateDisplay(baseWidget());
 }
 
 // ---------------------------------------------------------------------------

@@ -12,11 +12,11 @@
 #include <string>
 
 #include "app/ui/FileListUI.h"
-#include "filelist/BusyIndicator.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
 #include "filelist/IdbDocument.h"
 #include "filelist/ListView.h"
+#include "yr/YrBusyIndicator.h"
 
 class FileListModel;
 class View;
@@ -25,7 +25,6 @@ class FileList : public FileListUI,
                  public IdbDocument,
                  public FileListDisplay,
                  public FileNamePrompt,
-                 public BusyIndicator,
                  public ListView::Source,
                  public ListView::Gestures {
  public:
@@ -36,6 +35,9 @@ class FileList : public FileListUI,
 
   FileListModel& model() { return *_model; }
   ListView& listView() { return _listView; }
+  /// The model's busy state: the application's, with this panel's window
+  /// drawn again during long work.
+  BusyIndicator& busyIndicator() { return _busy; }
 
   // The idb menu entries.
   void clear() override;
@@ -58,9 +60,6 @@ class FileList : public FileListUI,
   void fileNameChanged(const std::string& label) override;
   bool askFileName(const std::string& title, const std::string& filter,
                    const std::string& proposed, std::string* chosen) override;
-  void busy() override;
-  void notBusy() override;
-  void stillBusy() override;
 
  protected:
   void allPushButton(Widget, XtPointer callData) override;
@@ -84,6 +83,7 @@ class FileList : public FileListUI,
   void deselectAll() override;
 
   View& _view;
+  YrBusyIndicator _busy;
   std::unique_ptr<FileListModel> _model;
   ListView _listView;
 };

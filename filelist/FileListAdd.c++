@@ -13,9 +13,10 @@
 #include "filelist/LineMatcher.h"
 #include "filelist/PanelFields.h"
 #include "idb/StringSet.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 #include "yr/YrInterruptDialog.h"
 
@@ -58,7 +59,7 @@ FileListAdd::FileListAdd(const char* name, Widget parent)
 FileListAdd::~FileListAdd() = default;
 
 void FileListAdd::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
+  _model = fileList;
   _reporter = reporter;
 }
 
@@ -115,18 +116,18 @@ void FileListAdd::setBrowsingDirectory(const char* text) {
   }
   if (!BrowserDirectory::isReadableDirectory(path)) return;
   const std::string canonical = dcanon(path);
-  const std::string root = _fileList ? _fileList->sourceRoot() : std::string("/");
+  const std::string root = _model ? _model->sourceRoot() : std::string("/");
   if (!isSubdir(root, canonical)) {
     error("'" + canonical + "' is outside Source Root '" + root + "'");
     setFieldText(_directoryTextField, browsingDirectory());
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   _browsingDirectory = canonical;
   setFieldText(_directoryTextField, canonical);
   std::unique_ptr<StringSet> names = BrowserDirectory::readEntries(canonical);
   std::unique_ptr<StringSet> added =
-      _fileList ? _fileList->srcpathsInDir(canonical) : std::make_unique<StringSet>("none");
+      _model ? _model->srcpathsInDir(canonical) : std::make_unique<StringSet>("none");
   showEntries(*names, *added);
 }
 
@@ -213,10 +214,10 @@ void FileListAdd::mark(const std::string& name) {
 }
 
 void FileListAdd::unmark(const std::string& srcpath) {
-  if (!_fileList) return;
+  if (!_model) return;
   // The root and the source path meet without a "/" between them, unlike
   // the double click's join.
-  const std::string joined = _fileList->sourceRoot() + srcpath;
+  const std::string joined = _model->sourceRoot() + srcpath;
   std::string dir = mypathdirname(joined);
   if (dir.empty()) dir = "/";
   if (dir != browsingDirectory()) return;
@@ -228,8 +229,8 @@ void FileListAdd::unmark(const std::string& srcpath) {
 }
 
 void FileListAdd::refresh() {
-  if (!_browsingDirectory || !_fileList) return;
-  std::unique_ptr<StringSet> added = _fileList->srcpathsInDir(*_browsingDirectory);
+  if (!_browsingDirectory || !_model) return;
+  std::unique_ptr<StringSet> added = _model->srcpathsInDir(*_browsingDirectory);
   for (int pos = 1; pos <= static_cast<int>(_names.size()); pos++) {
     bool in = added->find(_names[pos - 1].c_str()) != nullptr;
     if (in != static_cast<bool>(_marked[pos - 1])) replaceEntry(pos, _names[pos - 1], in);
@@ -266,7 +267,7 @@ void FileListAdd::selectionTextField(Widget, XtPointer) {
     std::fflush(stdout);
     return;
   }
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   XmListDeselectAllItems(_filesList);
   std::vector<int> positions;
   for (int i = 0; i < static_cast<int>(_names.size()); i++) {
@@ -315,12 +316,11 @@ bool FileListAdd::searchInterrupted(int count) {
 bool FileListAdd::addDir(const std::string& dir, StringSet& set, int& count) {
   DirectorySearch::Poll poll = [this](int n) { return searchInterrupted(n); };
   if (!DirectorySearch::addDir(dir, set, count, poll)) return false;
-  if (YrApp* app = YrApp::theApp()) {
-    char text[64];
-    std::snprintf(text, sizeof text, "Added \n%d files.", set.count());
-    app->busy(text);
-    app->notBusy();
-  }
+  // Called inside the Add's busy scope: the count stays in the working
+  // dialog until the whole Add ends.
+  char text[64];
+  std::snprintf(text, sizeof text, "Added \n%d files.", set.count());
+  BusyScope added(YrBusyIndicator::application(), text);
   return true;
 }
 
@@ -330,11 +330,11 @@ void FileListAdd::addSelectedFiles() {
     error(kNoSelection);
     return;
   }
-  if (!_fileList || _fileList->totalUnfound() > 0) return;
-  PanelBusy busy;
+  if (!_model || _model->totalUnfound() > 0) return;
+  BusyScope busy(YrBusyIndicator::application());
   StringSet newItems("New Items");
   int count = 0;
-  const std::string root = _fileList->sourceRoot();
+  const std::string root = _model->sourceRoot();
   for (int pos : positions) {
     XmListSetBottomPos(_filesList, pos);
     const std::string path =
@@ -360,7 +360,7 @@ void FileListAdd::addSelectedFiles() {
   std::vector<std::string> paths;
   paths.reserve(newItems.count());
   for (int i = 0; i < newItems.count(); i++) paths.emplace_back(newItems.item(i));
-  _fileList->add(paths);
+  _model->add(paths);
   // Entries whose names the file list skipped lose the mark set above.
   refresh();
   XmListDeselectAllItems(_filesList);
@@ -369,7 +369,7 @@ void FileListAdd::addSelectedFiles() {
 // ---- directory chooser -----------------------------------------------------------------
 
 void FileListAdd::showOpenBrowser() {
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   if (!_chooser) {
     _chooser = XmCreateFileSelectionDialog(_baseWidget, const_cast<char*>("fileListBrowser"),
                                            nullptr, 0);

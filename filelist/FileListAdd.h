@@ -87,7 +87,7 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
   static void chooserCancel(Widget, XtPointer, XtPointer);
 
   std::optional<std::string> _browsingDirectory;
-  FileListModel* _fileList = nullptr;
+  FileListModel* _model = nullptr;
   Reporter* _reporter = nullptr;
   Widget _chooser = nullptr;
   // What the list shows, entry by entry, so that finding an entry by name

@@ -7,8 +7,10 @@
 #include "filelist/FileListModel.h"
 #include "filelist/PanelFields.h"
 #include "mach/MachTables.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/XmUtils.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 
 namespace {
@@ -41,7 +43,7 @@ FileListAttrs::FileListAttrs(const char* name, Widget parent)
 FileListAttrs::~FileListAttrs() = default;
 
 void FileListAttrs::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
+  _model = fileList;
   _reporter = reporter;
 }
 
@@ -116,18 +118,17 @@ AttrsState FileListAttrs::state() const {
 // ---- Assign and Clear ------------------------------------------------------------------
 
 void FileListAttrs::attrsAssignArrowButton(Widget, XtPointer) {
-  if (!_fileList || _fileList->totalSelected() == 0) {
+  if (!_model || _model->totalSelected() == 0) {
     if (_reporter)
       _reporter->error(kNoSelection);
     else
       getTheErrorDialog()->post(kNoSelection);
     return;
   }
-  PanelBusy busy;
-  _fileList->backup();
-  _fileList->deleteAttributes();
-  for (const std::string& attr : AttrsText::compose(state())) _fileList->addAttribute(attr);
-  _fileList->refresh();
+  BusyScope busy(YrBusyIndicator::application());
+  FileListModel::Edit edit(*_model);
+  _model->deleteAttributes();
+  for (const std::string& attr : AttrsText::compose(state())) _model->addAttribute(attr);
 }
 
 void FileListAttrs::attrsClear() {
@@ -225,7 +226,7 @@ void FileListAttrs::modelToggleButtonCallback(Widget w, XtPointer clientData, Xt
 }
 
 void FileListAttrs::selectCpuBoards(const char* processor) {
-  PanelBusy busy;
+  BusyScope busy(YrBusyIndicator::application());
   setMachOn();
   _mach->selectCpuBoards(processor);
   syncToggles();

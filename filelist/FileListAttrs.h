@@ -75,7 +75,7 @@ class FileListAttrs : public FileListAttrsUI, public AttrsPartner {
   static void subgrToggleButtonCallback(Widget, XtPointer, XtPointer);
   static void modelToggleButtonCallback(Widget, XtPointer, XtPointer);
 
-  FileListModel* _fileList = nullptr;
+  FileListModel* _model = nullptr;
   Reporter* _reporter = nullptr;
   std::unique_ptr<MachSelection> _mach;
   // The toggle widgets of groups 2 to 5, parallel to MachSelection's.

@@ -150,6 +150,10 @@ TEST_F(FileListAttrsTest, AssignWithNothingOnKeepsOnlyDerivedAttributes) {
   EXPECT_EQ("preop()", linkAfter.back());
   linkAfter.pop_back();
   for (const std::string& a : linkAfter) EXPECT_EQ(0u, a.find("symval(")) << a;
+  // Clearing and writing the attributes are one undo step.
+  model->undo();
+  EXPECT_EQ(linkBefore, attrs(1));
+  model->undo();
 
   model->deselectAll();
   press("attrsAssignArrowButton");

@@ -21,7 +21,6 @@
 #include "filelist/AddFilesPartner.h"
 #include "filelist/AttrsPartner.h"
 #include "filelist/BuildPartner.h"
-#include "filelist/BusyIndicator.h"
 #include "filelist/FileListDisplay.h"
 #include "filelist/FileNamePrompt.h"
 #include "filelist/LineMatcher.h"
@@ -32,6 +31,8 @@
 #include "idb/Idb.h"
 #include "idb/StringSet.h"
 #include "util/AtomicFile.h"
+#include "util/BusyIndicator.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
@@ -43,23 +44,6 @@ namespace {
 // Below this many lines a selection is quick enough on one thread.
 constexpr int kParallelLines = 20000;
 }  // namespace
-
-// Busy from construction to destruction, so that every early return of a
-// long operation clears the busy state again.
-class FileListModel::BusyScope {
- public:
-  explicit BusyScope(BusyIndicator* busy) : _busy(busy) {
-    if (_busy) _busy->busy();
-  }
-  ~BusyScope() {
-    if (_busy) _busy->notBusy();
-  }
-  BusyScope(const BusyScope&) = delete;
-  BusyScope& operator=(const BusyScope&) = delete;
-
- private:
-  BusyIndicator* _busy;
-};
 
 namespace {
 
@@ -246,9 +230,10 @@ std::optional<std::string> FileListModel::setSourceRoot(const std::string& typed
         cantPrependRoot(root, true);
       return std::nullopt;
     }
-    backup();
-    rewriteSourcePaths(root);
-    refresh();
+    {
+      Edit edit(*this);
+      rewriteSourcePaths(root);
+    }
     _modified = true;
   }
   deselectAll();
@@ -484,15 +469,16 @@ bool FileListModel::read(const std::string& file) {
     return false;
   }
   BusyScope busy(_busy);
-  backup();
-  if (std::optional<std::string> message = _idb->append(file)) {
-    _reporter.logMessage(*message);
-    _reporter.showMessages();
-    *_idb = *_backup;
-    return false;
+  {
+    Edit edit(*this);
+    if (std::optional<std::string> message = _idb->append(file)) {
+      _reporter.logMessage(*message);
+      _reporter.showMessages();
+      *_idb = *_backup;
+      return false;
+    }
+    _modified = true;
   }
-  _modified = true;
-  refresh();
   refreshPartners();
   return true;
 }
@@ -812,11 +798,12 @@ void FileListModel::add(const std::vector<std::string>& paths) {
   BusyScope busy(_busy);
   std::vector<const std::string*> storable = storablePaths(paths);
   if (storable.empty()) return;
-  backup();
-  const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
-  for (const std::string* path : storable) _idb->add(*path, tag, _sourceRoot);
-  _modified = true;
-  refresh();
+  {
+    Edit edit(*this);
+    const std::string tag = _tagsPanel ? _tagsPanel->getCurrent() : std::string();
+    for (const std::string* path : storable) _idb->add(*path, tag, _sourceRoot);
+    _modified = true;
+  }
   if (_display) _display->showLastLine();
 }
 
@@ -859,7 +846,7 @@ void FileListModel::removeItems(const std::vector<char>& doomed) {
 void FileListModel::removeSelected() {
   if (_selected.count() == 0) return;
   BusyScope busy(_busy);
-  backup();
+  Edit edit(*this);
   // Records go from the last selected to the first; a removed record's source
   // path is unmarked in the browser when, at that moment, no remaining record
   // installs to it.  Remaining then are the unselected records and the
@@ -891,9 +878,16 @@ void FileListModel::removeSelected() {
   }
   removeItems(_selected.flags());
   for (const std::string& src : unmarks) _addPanel->unmark(src);
-  refresh();
   _modified = true;
   deselectAll();
+}
+
+FileListModel::Edit::Edit(FileListModel& model) : _model(model) {
+  if (_model._editDepth++ == 0) _model.backup();
+}
+
+FileListModel::Edit::~Edit() {
+  if (--_model._editDepth == 0) _model.refresh();
 }
 
 void FileListModel::backup() {
@@ -946,7 +940,8 @@ std::string_view FileListModel::listLine(int item, std::string& buffer) const {
 
 void FileListModel::createPatch(const std::string& patchName, const std::vector<int>& keep) {
   BusyScope busy(_busy);
-  backup();
+  // The records that go and the new tags are one step.
+  Edit edit(*this);
   // From the last item down, with a cursor into keep that moves down past
   // every entry above the item: what is not under the cursor goes.
   std::vector<char> doomed(_idb->count(), 0);
@@ -956,7 +951,6 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
     if (cursor < 0 || keep[cursor] != item) doomed[item - 1] = 1;
   }
   removeItems(doomed);
-  refresh();
   deselectAll();
 
   if (_specGraph) {
@@ -985,11 +979,12 @@ void FileListModel::createPatch(const std::string& patchName, const std::vector<
 
 // ---- edits of the selected records -------------------------------------------------
 
-template <class Edit>
-bool FileListModel::editSelected(Edit edit) {
+template <class Change>
+bool FileListModel::editSelected(Change change) {
   if (_selected.count() == 0) return false;
+  Edit step(*this);
   for (int i = 0; i < _selected.size() && i < _idb->count(); i++)
-    if (_selected[i]) edit(i);
+    if (_selected[i]) change(i);
   _modified = true;
   return true;
 }
@@ -1044,8 +1039,6 @@ void FileListModel::replaceDestFile(const std::string& typed) {
 }
 
 void FileListModel::replaceTag(const std::string& tag) {
-  if (_selected.count() == 0) return;
-  backup();
   editSelected([&](int i) { _idb->setTag(i, tag); });
 }
 
@@ -1060,7 +1053,5 @@ void FileListModel::addDirsAttribute(const std::string& attr) {
 }
 
 void FileListModel::deleteAttributes() {
-  if (_selected.count() == 0) return;
-  backup();
   editSelected([&](int i) { _idb->deleteAttributes(static_cast<unsigned>(i) + 1); });
 }

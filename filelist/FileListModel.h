@@ -62,6 +62,22 @@ class FileListModel {
   FileListModel(const FileListModel&) = delete;
   FileListModel& operator=(const FileListModel&) = delete;
 
+  /// One step that "Undo Last Operation" takes back: the undo copy is taken
+  /// as the outermost Edit begins and the lines are refreshed once as it
+  /// ends.  Edits begun meanwhile (the model's own, when a panel's Assign
+  /// makes several) join that step.  Every change the user can undo runs
+  /// inside one, so none can forget the copy or take a second one halfway.
+  class Edit {
+   public:
+    explicit Edit(FileListModel& model);
+    ~Edit();
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+
+   private:
+    FileListModel& _model;
+  };
+
   // ---- partners (not owned; null = absent) -------------------------------
   void setAddFilesPartner(AddFilesPartner* p) { _addPanel = p; }
   void setTagsPartner(TagsPartner* p) { _tagsPanel = p; }
@@ -138,7 +154,8 @@ class FileListModel {
   void setView(int view) { _view = view; }
   int view() const { return _view; }
   /// Reformats every line for the current view and keeps the selected
-  /// positions that still exist.
+  /// positions that still exist (edits refresh as their Edit ends; this is
+  /// for a change of view).
   void refresh();
   int lineCount() const { return _lineCount; }
   /// Line at one-based position p, as the list shows it (in the format of
@@ -191,9 +208,8 @@ class FileListModel {
   void removeSelected();
   /// Swaps the idb and its undo copy ("Undo Last Operation"); again redoes.
   void undo();
-  /// The undo copy becomes a copy of the idb.
-  void backup();
-  /// Every record tagged oldTag is tagged newTag.
+  /// Every record tagged oldTag is tagged newTag.  Not an undo step: it
+  /// follows a subsystem's rename in the hierarchy, which undo leaves alone.
   void fixTag(const std::string& oldTag, const std::string& newTag);
   /// "Tags in File List": every record's tag, in record order, once.
   std::unique_ptr<StringSet> getTags() const;
@@ -206,7 +222,7 @@ class FileListModel {
   /// them into the patch product patchName and drops every other product.
   void createPatch(const std::string& patchName, const std::vector<int>& keep);
 
-  // ---- edits of the selected records (the calling panel refreshes) -----------
+  // ---- edits of the selected records (each its own Edit unless inside one) ---
   // Typed owners, groups and paths are deblanked first (blanks, tabs and
   // newlines dropped), so that no field holds a separator; an owner or group
   // left empty changes nothing.
@@ -228,8 +244,8 @@ class FileListModel {
   const Idb& idb() const { return *_idb; }
 
  private:
-  class BusyScope;
-
+  /// The undo copy becomes a copy of the idb.
+  void backup();
   std::string join(const std::string& root, const std::string& relative) const;
   void rewriteSourcePaths(const std::string& newRoot);
   void formatLine(int index, std::string& out) const;
@@ -246,8 +262,8 @@ class FileListModel {
   void refreshPartners();
   void removeItems(const std::vector<char>& doomed);
   std::vector<const std::string*> storablePaths(const std::vector<std::string>& paths);
-  template <class Edit>
-  bool editSelected(Edit edit);
+  template <class Change>
+  bool editSelected(Change change);
   bool askFileName(const char* title, bool proposeProduct, std::string* chosen);
 
   Reporter& _reporter;
@@ -267,6 +283,8 @@ class FileListModel {
   std::optional<std::string> _destRoot;
   std::string _idbFileName;
   bool _modified = false;
+  // How many Edits are open; the outermost takes the copy and refreshes.
+  int _editDepth = 0;
   int _view = kHierarchyView;
 
   // The view whose lines the list shows (none before the first refresh) and

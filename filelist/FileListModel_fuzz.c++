@@ -142,7 +142,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       case 9: model.deleteAttributes(); break;
       case 10: model.removeSelected(); break;
       case 11: model.undo(); break;
-      case 12: model.backup(); break;
+      case 12: { FileListModel::Edit step(model); } break;
       case 13: model.createPatch("patch", model.selectedPositions()); break;
       case 14: model.fixTag(word, "renamed.sw.x"); break;
       case 15: model.setView(arg % 5); break;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <functional>
 #include <optional>
@@ -527,7 +528,7 @@ TEST_F(FileListModelTest, TheDisplayIsToldWhatToMirror) {
   } cases[] = {
       {"select", [](FileListModel& m) { m.selectMatching("t"); }, {"display.selection"}},
       {"select tag", [](FileListModel& m) { m.selectTag("t"); }, {"display.selection"}},
-      {"edit", [](FileListModel& m) { m.replaceOwner("bin"); }, {}},
+      {"edit", [](FileListModel& m) { m.replaceOwner("bin"); }, {"display.lines"}},
       {"refresh", [](FileListModel& m) { m.refresh(); }, {"display.lines"}},
       {"hierarchy view", [](FileListModel& m) { m.setView(0); m.refresh(); m.setView(1); }, {}},
       {"add", [&src](FileListModel& m) { m.add({src + "/new"}); }, {"display.lines", "display.last"}},
@@ -680,52 +681,51 @@ TEST_F(FileListModelTest, EditsOfTheSelectedRecords) {
   const struct {
     const char* name;
     std::function<void(FileListModel&)> edit;
-    bool takesUndoCopy;
     Lines expected;  // records 2 to 5, which are selected
   } cases[] = {
-      {"replaceMode", [](FileListModel& m) { m.replaceMode(04755); }, false,
+      {"replaceMode", [](FileListModel& m) { m.replaceMode(04755); },
        {"d 4755 root sys usr/lib lib t.sw.lib",
         "l 4755 root sys usr/lib/x lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 4755 root sys tool tool t.sw.base exitop(x)", "f 4755 root sys /etc5 etc5 t.sw.base"}},
-      {"replaceOwner", [](FileListModel& m) { m.replaceOwner("bin"); }, false,
+      {"replaceOwner", [](FileListModel& m) { m.replaceOwner("bin"); },
        {"d 0755 bin sys usr/lib lib t.sw.lib",
         "l 0777 bin sys usr/lib/x lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 bin sys tool tool t.sw.base exitop(x)", "f 0644 bin sys /etc5 etc5 t.sw.base"}},
-      {"replaceGroup", [](FileListModel& m) { m.replaceGroup("staff"); }, false,
+      {"replaceGroup", [](FileListModel& m) { m.replaceGroup("staff"); },
        {"d 0755 root staff usr/lib lib t.sw.lib",
         "l 0777 root staff usr/lib/x lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root staff tool tool t.sw.base exitop(x)", "f 0644 root staff /etc5 etc5 t.sw.base"}},
-      {"replaceSourceDir", [](FileListModel& m) { m.replaceSourceDir("new/dir"); }, false,
+      {"replaceSourceDir", [](FileListModel& m) { m.replaceSourceDir("new/dir"); },
        {"d 0755 root sys usr/lib new/dir/lib t.sw.lib",
         "l 0777 root sys usr/lib/x new/dir/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root sys tool new/dir/tool t.sw.base exitop(x)",
         "f 0644 root sys /etc5 new/dir/etc5 t.sw.base"}},
-      {"replaceSourceFile", [](FileListModel& m) { m.replaceSourceFile("other/y"); }, false,
+      {"replaceSourceFile", [](FileListModel& m) { m.replaceSourceFile("other/y"); },
        {"d 0755 root sys usr/lib ./y t.sw.lib",
         "l 0777 root sys usr/lib/x lib/y t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root sys tool ./y t.sw.base exitop(x)", "f 0644 root sys /etc5 ./y t.sw.base"}},
-      {"replaceDestDir", [](FileListModel& m) { m.replaceDestDir("opt"); }, false,
+      {"replaceDestDir", [](FileListModel& m) { m.replaceDestDir("opt"); },
        {"d 0755 root sys opt/lib lib t.sw.lib",
         "l 0777 root sys opt/x lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root sys opt/tool tool t.sw.base exitop(x)", "f 0644 root sys opt/etc5 etc5 t.sw.base"}},
-      {"replaceDestFile", [](FileListModel& m) { m.replaceDestFile("other/y"); }, false,
+      {"replaceDestFile", [](FileListModel& m) { m.replaceDestFile("other/y"); },
        {"d 0755 root sys usr/y lib t.sw.lib",
         "l 0777 root sys usr/lib/y lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root sys ./y tool t.sw.base exitop(x)", "f 0644 root sys /y etc5 t.sw.base"}},
-      {"replaceTag", [](FileListModel& m) { m.replaceTag("p.q.r"); }, true,
+      {"replaceTag", [](FileListModel& m) { m.replaceTag("p.q.r"); },
        {"d 0755 root sys usr/lib lib p.q.r",
         "l 0777 root sys usr/lib/x lib/x p.q.r symval(x.1) config(noupdate)",
         "f 0644 root sys tool tool p.q.r exitop(x)", "f 0644 root sys /etc5 etc5 p.q.r"}},
-      {"addAttribute", [](FileListModel& m) { m.addAttribute("postop('a b')"); }, false,
+      {"addAttribute", [](FileListModel& m) { m.addAttribute("postop('a b')"); },
        {"d 0755 root sys usr/lib lib t.sw.lib postop('a b')",
         "l 0777 root sys usr/lib/x lib/x t.sw.lib symval(x.1) config(noupdate) postop('a b')",
         "f 0644 root sys tool tool t.sw.base exitop(x) postop('a b')",
         "f 0644 root sys /etc5 etc5 t.sw.base postop('a b')"}},
-      {"addDirsAttribute", [](FileListModel& m) { m.addDirsAttribute("config(suggest)"); }, false,
+      {"addDirsAttribute", [](FileListModel& m) { m.addDirsAttribute("config(suggest)"); },
        {"d 0755 root sys usr/lib lib t.sw.lib config(suggest)",
         "l 0777 root sys usr/lib/x lib/x t.sw.lib symval(x.1) config(noupdate)",
         "f 0644 root sys tool tool t.sw.base exitop(x)", "f 0644 root sys /etc5 etc5 t.sw.base"}},
-      {"deleteAttributes", [](FileListModel& m) { m.deleteAttributes(); }, true,
+      {"deleteAttributes", [](FileListModel& m) { m.deleteAttributes(); },
        {"d 0755 root sys usr/lib lib t.sw.lib", "l 0777 root sys usr/lib/x lib/x t.sw.lib symval(x.1)",
         "f 0644 root sys tool tool t.sw.base", "f 0644 root sys /etc5 etc5 t.sw.base"}},
   };
@@ -739,17 +739,99 @@ TEST_F(FileListModelTest, EditsOfTheSelectedRecords) {
     EXPECT_EQ(records(), original);
     EXPECT_FALSE(model.modified());
 
-    // An edit that takes no undo copy first, to tell which edits take one.
+    // An edit before, so that undo shows where the step began.
     model.setSelectedPositions({1});
     model.replaceGroup("pre");
+    const Lines before = records();
     model.setSelectedPositions({2, 3, 4, 5});
     c.edit(model);
     Lines expected = c.expected;
     expected.insert(expected.begin(), "f 0644 root pre usr/bin/tool build/tool t.sw.base");
     EXPECT_EQ(records(), expected);
     EXPECT_TRUE(model.modified());
+    model.undo();  // each edit on its own is one step
+    EXPECT_EQ(records(), before);
+  }
+}
+
+// What each button of the panels does to the model, as the panel does it,
+// is one undo step: one undo brings back exactly the idb and source root it
+// began with, and the list is refreshed once, at its end.  An edit that
+// takes no undo copy lets undo fall back past the edit made just before it;
+// one that takes a second copy halfway stops undo halfway.
+TEST_F(FileListModelTest, EachUserEditIsOneUndoStep) {
+  const std::string src = makeSources({"top/bin/tool", "top/lib/x", "top/new"});
+  const std::string top = src + "/top";
+  const std::string more = dir.write("more.idb", "f 0644 root sys usr/more new t.sw.more\n");
+  using Edit = FileListModel::Edit;
+  const struct {
+    const char* name;
+    Positions selected;
+    std::function<void(FileListModel&)> edit;
+  } cases[] = {
+      {"Tags: assign a tag", {1, 3}, [](FileListModel& m) { m.replaceTag("new.sw.tag"); }},
+      {"Permissions: assign every field", {1, 2}, [](FileListModel& m) {
+         Edit edit(m);
+         m.replaceDestDir("opt");
+         m.replaceDestFile("renamed");
+         m.replaceMode(0700);
+         m.replaceOwner("bin");
+         m.replaceGroup("bin");
+       }},
+      {"Permissions: assign the mode", {2}, [](FileListModel& m) {
+         Edit edit(m);
+         m.replaceMode(0600);
+       }},
+      {"Permissions: assign the owner", {2}, [](FileListModel& m) {
+         Edit edit(m);
+         m.replaceOwner("adm");
+       }},
+      {"Attributes: assign", {1, 2, 3}, [](FileListModel& m) {
+         Edit edit(m);
+         m.deleteAttributes();
+         m.addAttribute("config(suggest)");
+         m.addAttribute("postop('x y')");
+       }},
+      {"Attributes: assign none", {3}, [](FileListModel& m) {
+         Edit edit(m);
+         m.deleteAttributes();
+       }},
+      {"Add Files", {}, [&src](FileListModel& m) { m.add({src + "/top/new"}); }},
+      {"Delete Selected Items", {1, 3}, [](FileListModel& m) { m.removeSelected(); }},
+      {"Append", {}, [&more](FileListModel& m) { ASSERT_TRUE(m.read(more)); }},
+      {"Source Root moved up, paths rewritten", {},
+       [&src](FileListModel& m) { ASSERT_TRUE(m.setSourceRoot(src)); }},
+      {"Create Patch", {}, [](FileListModel& m) { m.createPatch("patch", {2}); }},
+  };
+  FakeDisplay display(log);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    ASSERT_TRUE(model.setSourceRoot(top));
+    openText(
+        "f 0755 root sys usr/bin/tool bin/tool t.sw.base\n"
+        "d 0755 bin bin usr/lib lib t.sw.lib config(noupdate)\n"
+        "l 0777 root sys usr/lib/x lib/x t.sw.lib symval(x.1) preop('a b')\n");
+    model.setView(FileListModel::kTagView);
+    // A step before, so that an edit without a step of its own shows.
+    model.setSelectedPositions({1, 2, 3});
+    model.replaceGroup("earlier");
+    const Lines before = records();
+    model.setSelectedPositions(c.selected);
+
+    model.setDisplay(&display);
+    log.calls.clear();
+    c.edit(model);
+    EXPECT_EQ(std::count(log.calls.begin(), log.calls.end(), "display.lines"), 1)
+        << testing::PrintToString(log.calls);
+    model.setDisplay(nullptr);
+    const Lines after = records();
+    EXPECT_NE(after, before);
+
     model.undo();
-    EXPECT_EQ(records()[0], c.takesUndoCopy ? expected[0] : original[0]);
+    EXPECT_EQ(records(), before);
+    EXPECT_EQ(model.sourceRoot(), top);
+    model.undo();
+    EXPECT_EQ(records(), after);
   }
 }
 

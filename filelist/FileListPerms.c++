@@ -5,8 +5,10 @@
 #include "filelist/FileListModel.h"
 #include "filelist/PanelFields.h"
 #include "filelist/PermsValues.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
 #include "util/XmUtils.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrDialogManager.h"
 
 namespace {
@@ -23,7 +25,7 @@ FileListPerms::FileListPerms(const char* name, Widget parent) : FileListPermsUI(
 }
 
 void FileListPerms::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
+  _model = fileList;
   _reporter = reporter;
   showRoots();
 }
@@ -36,9 +38,9 @@ void FileListPerms::error(const std::string& text) {
 }
 
 void FileListPerms::showRoots() {
-  if (!_fileList) return;
-  setSourceRoot(_fileList->sourceRoot());
-  const std::string* dest = _fileList->destRoot();
+  if (!_model) return;
+  setSourceRoot(_model->sourceRoot());
+  const std::string* dest = _model->destRoot();
   setDestRoot(dest ? *dest : std::string());
 }
 
@@ -86,15 +88,15 @@ void FileListPerms::destRootTextField(Widget w, XtPointer) { deblankTextField(w)
 void FileListPerms::sourceRootTextField(Widget w, XtPointer) { deblankTextField(w); }
 
 void FileListPerms::assignArrowButton(Widget, XtPointer) {
-  if (!_fileList || _fileList->totalSelected() == 0) {
+  if (!_model || _model->totalSelected() == 0) {
     error(kNoSelection);
     return;
   }
-  PanelBusy busy;
-  _fileList->backup();
+  BusyScope busy(YrBusyIndicator::application());
+  FileListModel::Edit edit(*_model);
   // The fields are applied as they stand, without the normalisation of
   // Return, in this fixed order; a refused directory stops everything
-  // after it (the backup above has been taken all the same).
+  // after it (the undo step has begun all the same).
   if (isNonNullTextField(_destDirTextField)) {
     std::string dir = fieldText(_destDirTextField);
     std::string refusal = PermsValues::checkDestDir(dir);
@@ -103,26 +105,25 @@ void FileListPerms::assignArrowButton(Widget, XtPointer) {
       error(refusal);
       return;
     }
-    _fileList->replaceDestDir(dir);
+    _model->replaceDestDir(dir);
   }
   if (isNonNullTextField(_destFileTextField))
-    _fileList->replaceDestFile(fieldText(_destFileTextField));
+    _model->replaceDestFile(fieldText(_destFileTextField));
   if (isNonNullTextField(_modeTextField))
-    _fileList->replaceMode(PermsValues::parseMode(fieldText(_modeTextField)));
-  if (isNonNullTextField(_ownerTextField)) _fileList->replaceOwner(fieldText(_ownerTextField));
-  if (isNonNullTextField(_groupTextField)) _fileList->replaceGroup(fieldText(_groupTextField));
-  _fileList->refresh();
+    _model->replaceMode(PermsValues::parseMode(fieldText(_modeTextField)));
+  if (isNonNullTextField(_ownerTextField)) _model->replaceOwner(fieldText(_ownerTextField));
+  if (isNonNullTextField(_groupTextField)) _model->replaceGroup(fieldText(_groupTextField));
 }
 
 void FileListPerms::applyArrowButton(Widget, XtPointer) {
   deblankTextField(_sourceRootTextField);
-  if (_fileList && !_fileList->setSourceRoot(fieldText(_sourceRootTextField))) {
-    setFieldText(_sourceRootTextField, _fileList->sourceRoot());
+  if (_model && !_model->setSourceRoot(fieldText(_sourceRootTextField))) {
+    setFieldText(_sourceRootTextField, _model->sourceRoot());
     return;
   }
   deblankTextField(_destRootTextField);
-  if (_fileList && !_fileList->setDestRoot(fieldText(_destRootTextField))) {
-    const std::string* dest = _fileList->destRoot();
+  if (_model && !_model->setDestRoot(fieldText(_destRootTextField))) {
+    const std::string* dest = _model->destRoot();
     setFieldText(_destRootTextField, dest ? *dest : std::string());
   }
 }

@@ -51,7 +51,7 @@ class FileListPerms : public FileListPermsUI, public PermsPartner {
   void showRoots();
   void error(const std::string& text);
 
-  FileListModel* _fileList = nullptr;
+  FileListModel* _model = nullptr;
   Reporter* _reporter = nullptr;
 };
 

@@ -161,6 +161,16 @@ TEST_F(FileListPermsTest, AssignAppliesFilledFieldsToSelectedEntriesOnly) {
   // the values of the Assign before.
   model->undo();
   EXPECT_EQ("0640 bin daemon usr/bin/tool", record(1));
+  // Every field of one Assign goes back with one undo.
+  type("destDirTextField", "opt");
+  type("destFileTextField", "x");
+  type("modeTextField", "600");
+  type("ownerTextField", "daemon");
+  type("groupTextField", "bin");
+  press("assignArrowButton");
+  EXPECT_EQ("0600 daemon bin opt/x", record(1));
+  model->undo();
+  EXPECT_EQ("0640 bin daemon usr/bin/tool", record(1));
 }
 
 TEST_F(FileListPermsTest, AssignWithoutSelectionPostsTheMessageAndChangesNothing) {

@@ -9,8 +9,9 @@
 #include "filelist/FileListModel.h"
 #include "idb/StringSet.h"
 #include "spec/SpecGraphModel.h"
+#include "util/BusyScope.h"
 #include "util/Reporter.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 
 const char* const FileListTags::kNoEntrySelected =
     "You haven't selected any idb entries to assign too.\n"
@@ -135,7 +136,7 @@ void FileListTags::refresh() {
     for (int i = 0; i < set.count(); ++i)
       if (!seen.find(set[i]) && *set[i]) tags.push_back(seen.add(set[i]));
   };
-  if (_fileList) collect(*_fileList->getTags());
+  if (_fileListModel) collect(*_fileListModel->getTags());
   if (_specGraph) collect(*_specGraph->getTags());
   std::vector<XmString> strings;
   strings.reserve(tags.size());
@@ -187,7 +188,7 @@ void FileListTags::singleSelection(Widget w, XtPointer callData) { browseSelecti
 
 void FileListTags::defaultAction(Widget, XtPointer callData) {
   auto* cb = static_cast<XmListCallbackStruct*>(callData);
-  if (_fileList) _fileList->selectTag(textOf(cb->item));
+  if (_fileListModel) _fileListModel->selectTag(textOf(cb->item));
 }
 
 void FileListTags::deletePushButton(Widget, XtPointer) {
@@ -223,16 +224,13 @@ void FileListTags::replacePushButton(Widget, XtPointer) {
 }
 
 void FileListTags::arrowButton(Widget, XtPointer) {
-  if (!_fileList || _fileList->totalSelected() == 0) {
+  if (!_fileListModel || _fileListModel->totalSelected() == 0) {
     _reporter.error(kNoEntrySelected);
     return;
   }
-  YrApp* app = YrApp::theApp();
-  if (app) app->busy();
+  BusyScope busy(YrBusyIndicator::application());
   if (selectedPosition() == 0)
     _reporter.error(kNoTagSelected);
   else
-    _fileList->replaceTag(getCurrent());
-  _fileList->refresh();
-  if (app) app->notBusy();
+    _fileListModel->replaceTag(getCurrent());
 }

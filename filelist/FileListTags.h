@@ -30,7 +30,7 @@ class FileListTags : public FileListTagsUI, public TagsPartner {
   FileListTags(const char* name, Widget parent, Reporter& reporter);
   const char* className() const override { return "FileListTags"; }
 
-  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
   void setSpecGraph(const SpecGraphModel* specGraph) { _specGraph = specGraph; }
 
   /// Appends tag, selected and scrolled into view, unless it is empty or
@@ -73,7 +73,7 @@ class FileListTags : public FileListTagsUI, public TagsPartner {
   void putInField(const std::string& text);
 
   Reporter& _reporter;
-  FileListModel* _fileList = nullptr;
+  FileListModel* _fileListModel = nullptr;
   const SpecGraphModel* _specGraph = nullptr;
 };
 

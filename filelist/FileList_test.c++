@@ -186,16 +186,16 @@ TEST_F(FileListTest, RefusedOpensChangeNothingAndSayWhy) {
 // of its own; the list must be drawn again before the work ends.
 class CoverDuringWork : public BusyIndicator {
  public:
-  CoverDuringWork(FileList* list, Widget fileList) : _list(list), _fileList(fileList) {}
-  void busy() override { _list->busy(); }
-  void notBusy() override { _list->notBusy(); }
+  CoverDuringWork(FileList* list, Widget listWidget) : _list(list), _listWidget(listWidget) {}
+  void busy(const std::string& message) override { _list->busyIndicator().busy(message); }
+  void notBusy() override { _list->busyIndicator().notBusy(); }
   void stillBusy() override {
     if (!_covered) {
       _covered = true;
       Display* d = UiTestApp::display();
       Window root = DefaultRootWindow(d), child;
       int x = 0, y = 0;
-      XTranslateCoordinates(d, XtWindow(_fileList), root, 0, 0, &x, &y, &child);
+      XTranslateCoordinates(d, XtWindow(_listWidget), root, 0, 0, &x, &y, &child);
       XSetWindowAttributes a{};
       a.override_redirect = True;
       a.background_pixel = BlackPixel(d, DefaultScreen(d));
@@ -207,16 +207,16 @@ class CoverDuringWork : public BusyIndicator {
       XSync(d, False);
       inkAfterUncover = ink();
     }
-    _list->stillBusy();
+    _list->busyIndicator().stillBusy();
     if (inkAfterRedraw < 0) inkAfterRedraw = ink();
   }
   // Pixels of the first rows' text (not the list's background).
   int ink() {
     Pixel background = 0;
-    XtVaGetValues(_fileList, XmNbackground, &background, nullptr);
-    const int h = 3 * OvListRowHeight(_fileList);
+    XtVaGetValues(_listWidget, XmNbackground, &background, nullptr);
+    const int h = 3 * OvListRowHeight(_listWidget);
     XImage* image =
-        XGetImage(UiTestApp::display(), XtWindow(_fileList), 10, 6, 120, h, AllPlanes, ZPixmap);
+        XGetImage(UiTestApp::display(), XtWindow(_listWidget), 10, 6, 120, h, AllPlanes, ZPixmap);
     if (!image) return -1;
     int n = 0;
     for (int y = 0; y < h; y++)
@@ -230,7 +230,7 @@ class CoverDuringWork : public BusyIndicator {
 
  private:
   FileList* _list;
-  Widget _fileList;
+  Widget _listWidget;
   bool _covered = false;
 };
 
@@ -243,7 +243,7 @@ TEST_F(FileListTest, TheListIsDrawnAgainDuringALongOpen) {
   ASSERT_GT(spy.ink(), 0) << "the rows are drawn to begin with";
   answerFileDialog(dir.write("other.idb", kThree));
   choose("File/Open/Idb");
-  list->model().setBusyIndicator(list);
+  list->model().setBusyIndicator(&list->busyIndicator());
   EXPECT_EQ("Opened idb '" + dir.file("other.idb") + "'.", lastLog());
   EXPECT_EQ(0, spy.inkAfterUncover) << "uncovered, the list is blank until it is drawn";
   EXPECT_GT(spy.inkAfterRedraw, 0) << "drawn again before the open ended";

@@ -3,7 +3,6 @@
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
 
-#include "yr/YrApp.h"
 
 std::string fieldText(Widget w) {
   char* text = XmIsTextField(w) ? XmTextFieldGetString(w) : XmTextGetString(w);
@@ -31,19 +30,4 @@ void setLabelText(Widget w, const std::string& text) {
   XmString s = XmStringCreateLocalized(const_cast<char*>(text.c_str()));
   XtVaSetValues(w, XmNlabelString, s, nullptr);
   XmStringFree(s);
-}
-
-PanelBusy::PanelBusy() {
-  if (YrApp* app = YrApp::theApp()) {
-    app->busy();
-    _on = true;
-  }
-}
-
-PanelBusy::~PanelBusy() { release(); }
-
-void PanelBusy::release() {
-  if (!_on) return;
-  _on = false;
-  if (YrApp* app = YrApp::theApp()) app->notBusy();
 }

@@ -196,7 +196,7 @@ void SpecDetail::fixMapping(SpecNode* subsys, int level, const std::string& newN
     subsys->setMapping(newTag);
     if (subsys == _current) setText(_mappingText, newTag);
   }
-  if (_fileList) _fileList->fixTag(oldTag, newTag);
+  if (_fileListModel) _fileListModel->fixTag(oldTag, newTag);
 }
 
 void SpecDetail::renamed(const std::string& name) {

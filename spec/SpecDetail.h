@@ -34,7 +34,7 @@ class SpecDetail : public SpecDetailUI {
   const char* className() const override { return "SpecDetail"; }
 
   void setSpecGraph(SpecGraph* specGraph) { _specGraph = specGraph; }
-  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
   void setTagsPanel(FileListTags* tags) { _tagsPanel = tags; }
 
   SpecNode* current() const { return _current; }
@@ -76,7 +76,7 @@ class SpecDetail : public SpecDetailUI {
 
   Reporter& _reporter;
   SpecGraph* _specGraph = nullptr;
-  FileListModel* _fileList = nullptr;
+  FileListModel* _fileListModel = nullptr;
   FileListTags* _tagsPanel = nullptr;
   SpecNode* _current = nullptr;
 };

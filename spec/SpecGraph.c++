@@ -10,7 +10,7 @@
 #include "spec/SpecDetail.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
-#include "yr/YrApp.h"
+#include "yr/YrBusyIndicator.h"
 #include "yr/YrFileSelectionDialog.h"
 #include "yr/YrGraph.h"
 
@@ -22,6 +22,7 @@ SpecGraph::SpecGraph(const char* name, Widget parent, Reporter& reporter)
                 this);
   XtAddCallback(_graph->graphWidget(), OvNdeselectCallback, &SpecGraph::deselectCallback, this);
   _model->setObserver(this);
+  _model->setBusyIndicator(YrBusyIndicator::application());
   _model->setFileChooser(&SpecGraph::chooseFile);
   specFileNameChanged("");
 }
@@ -137,15 +138,6 @@ void SpecGraph::specFileNameChanged(const std::string& name) {
   XtVaSetValues(_label, XmNlabelString, s, nullptr);
   XmStringFree(s);
   if (_view) _view->specFileLabelChanged(text);
-}
-
-void SpecGraph::busy(bool on) {
-  YrApp* app = YrApp::theApp();
-  if (!app) return;
-  if (on)
-    app->busy();
-  else
-    app->notBusy();
 }
 
 // ---- Spec file commands ---------------------------------------------------------

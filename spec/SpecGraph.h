@@ -89,7 +89,6 @@ class SpecGraph : public SpecGraphUI,
   void tagsChanged() override;
   void refreshCreatePatchMenuAction() override;
   void specFileNameChanged(const std::string& name) override;
-  void busy(bool on) override;
 
   Reporter& _reporter;
   std::unique_ptr<SpecGraphModel> _model;

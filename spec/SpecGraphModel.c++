@@ -11,6 +11,7 @@
 #include "idb/StringSet.h"
 #include "spec/SpecReader.h"
 #include "util/AtomicFile.h"
+#include "util/BusyScope.h"
 #include "util/Format.h"
 #include "util/Reporter.h"
 #include "util/Utils.h"
@@ -25,25 +26,6 @@ void SpecGraphObserver::tagAdded(const std::string&) {}
 void SpecGraphObserver::tagsChanged() {}
 void SpecGraphObserver::refreshCreatePatchMenuAction() {}
 void SpecGraphObserver::specFileNameChanged(const std::string&) {}
-void SpecGraphObserver::busy(bool) {}
-
-namespace {
-
-// Brackets a long operation with the busy indication.
-class Busy {
- public:
-  explicit Busy(SpecGraphObserver* o) : _o(o) {
-    if (_o) _o->busy(true);
-  }
-  ~Busy() {
-    if (_o) _o->busy(false);
-  }
-
- private:
-  SpecGraphObserver* _o;
-};
-
-}  // namespace
 
 SpecGraphModel::SpecGraphModel(Reporter* reporter) : _reporter(reporter) {}
 
@@ -246,7 +228,7 @@ std::unique_ptr<SpecNode> SpecGraphModel::makeNode(const SpecNode* parent, const
 }
 
 SpecNode* SpecGraphModel::addUnderSelection() {
-  Busy busy(_observer);
+  BusyScope busy(_busy);
   SpecNode* parent = _selected;
   if (!parent) {
     SpecNode* product = addRoot(makeNode(nullptr, "my_product", "\"My Product\""));
@@ -498,7 +480,7 @@ bool SpecGraphModel::checkRegularFile(const std::string& path) {
 
 bool SpecGraphModel::open(const std::string& path) {
   if (!checkRegularFile(path)) return false;
-  Busy busy(_observer);
+  BusyScope busy(_busy);
   removeAll();
   _partReads.clear();
   bool ok = append(path);
@@ -509,7 +491,7 @@ bool SpecGraphModel::open(const std::string& path) {
 
 bool SpecGraphModel::read(const std::string& path) {
   if (!checkRegularFile(path)) return false;
-  Busy busy(_observer);
+  BusyScope busy(_busy);
   bool ok = append(path);
   _changed = true;
   return ok;
@@ -594,7 +576,7 @@ bool SpecGraphModel::save(const char* path) {
           name.c_str())))
     return false;
 
-  Busy busy(_observer);
+  BusyScope busy(_busy);
   AtomicFile file(name);
   int err = file.open();
   if (err == AtomicFile::kNotRegular) {

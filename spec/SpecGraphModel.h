@@ -22,6 +22,7 @@
 #include "idb/StringSet.h"
 #include "spec/SpecNode.h"
 
+class BusyIndicator;
 class Reporter;
 
 
@@ -47,8 +48,6 @@ class SpecGraphObserver {
   virtual void refreshCreatePatchMenuAction();
   /// The spec file name shown to the user changed.
   virtual void specFileNameChanged(const std::string& name);
-  /// A long operation starts (true) or ends (false).
-  virtual void busy(bool on);
 };
 
 /// What the last read of a spec file met.  A file that could be entered is
@@ -85,6 +84,8 @@ class SpecGraphModel {
   SpecGraphModel& operator=(const SpecGraphModel&) = delete;
 
   void setObserver(SpecGraphObserver* observer) { _observer = observer; }
+  /// Busy during long operations (null: not shown).
+  void setBusyIndicator(BusyIndicator* indicator) { _busy = indicator; }
   void setReporter(Reporter* reporter) { _reporter = reporter; }
   Reporter* reporter() const { return _reporter; }
   /// Where save-as dialogs come from; without one a save needing a name fails.
@@ -210,6 +211,7 @@ class SpecGraphModel {
 
   Reporter* _reporter;
   SpecGraphObserver* _observer = nullptr;
+  BusyIndicator* _busy = nullptr;
   FileChooser _chooser;
   std::function<std::string()> _distDir;
 

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "util/BusyIndicator.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
 
@@ -58,7 +59,18 @@ class LogObserver : public SpecGraphObserver {
     events.push_back("select " + (n ? n->getTag() : std::string("-")));
   }
   void tagAdded(const std::string& tag) override { events.push_back("tag " + tag); }
-  void busy(bool on) override { events.push_back(on ? "busy" : "idle"); }
+};
+
+// Adds the busy state to the observer's log, so that its order among the
+// notifications shows.
+class LogBusy : public BusyIndicator {
+ public:
+  explicit LogBusy(LogObserver& log) : _log(log) {}
+  void busy(const std::string&) override { _log.events.push_back("busy"); }
+  void notBusy() override { _log.events.push_back("idle"); }
+
+ private:
+  LogObserver& _log;
 };
 
 class SpecGraphModelTest : public ::testing::Test {
@@ -250,7 +262,9 @@ TEST_F(SpecGraphModelTest, RemoveAndDeleteProduct) {
 
 TEST_F(SpecGraphModelTest, AddUnderSelection) {
   LogObserver log;
+  LogBusy busy(log);
   graph.setObserver(&log);
+  graph.setBusyIndicator(&busy);
   SpecNode* p = graph.addUnderSelection();
   EXPECT_EQ("my_product", p->name());
   EXPECT_EQ("\"My Product\"", p->id());
@@ -282,6 +296,7 @@ TEST_F(SpecGraphModelTest, AddUnderSelection) {
   EXPECT_NE(log.events.end(),
             std::find(log.events.begin(), log.events.end(), "tag my_product.my_image.my_subsys"));
   graph.setObserver(nullptr);
+  graph.setBusyIndicator(nullptr);
 }
 
 TEST_F(SpecGraphModelTest, DeleteSelection) {
