@@ -15,6 +15,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (SpecDetailUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<SpecDetailUI, method>;
+
 const char* const SpecDetailUI::_defaultSpecDetailUIResources[] = {
     "*applyLabel.labelString:  Assign",
     "*noneLabel.labelString:  No node selected.  Click on a node to select.\\n  Create nodes "
@@ -121,8 +125,6 @@ SpecDetailUI::SpecDetailUI(const char* name, Widget parent) : YrComponent(name) 
   _applyArrowButton = createManaged("applyArrowButton", xmArrowButtonWidgetClass, _applySpringBox,
                                     {{XmNarrowDirection, XmARROW_LEFT}, {XmNwidth, 40},
                                      {XmNheight, 30}});
-  XtAddCallback(_applyArrowButton, XmNactivateCallback, &SpecDetailUI::applyArrowButtonCallback,
-                this);
   _applyLabel = createManaged("applyLabel", xmLabelWidgetClass, _applySpringBox);
   _frame = createManaged("frame", xmFrameWidgetClass, _baseWidget, {{OvNrow, 1}});
   _form = createManaged("form", xmFormWidgetClass, _frame);
@@ -136,6 +138,14 @@ SpecDetailUI::SpecDetailUI(const char* name, Widget parent) : YrComponent(name) 
   _noneLabel = createManaged("noneLabel", xmLabelWidgetClass, _noneGrid,
                              {{XmNalignment, XmALIGNMENT_BEGINNING}, {OvNgravity, 1},
                               {OvNresizeVertical, False}});
+
+  addRoutes(this, {
+      {_applyArrowButton, XmNactivateCallback, route<&SpecDetailUI::applyArrowButton>},
+      {_prereqPushButton, XmNactivateCallback, route<&SpecDetailUI::prereqPushButton>},
+      {_incompatPushButton, XmNactivateCallback, route<&SpecDetailUI::incompatPushButton>},
+      {_replacesPushButton, XmNactivateCallback, route<&SpecDetailUI::replacesPushButton>},
+      {_orderList, XmNbrowseSelectionCallback, route<&SpecDetailUI::browseSelection>},
+  });
 }
 
 void SpecDetailUI::buildProductForm() {
@@ -188,14 +198,8 @@ void SpecDetailUI::buildSubsystemForm() {
   _rulesText = multiLineText("rulesText", _rulesGrid, 1, 4);
   _ruleButtonsLabel = fieldLabel("ruleButtonsLabel", _rulesGrid, 2);
   _prereqPushButton = templateButton("prereqPushButton", _rulesGrid, 3);
-  XtAddCallback(_prereqPushButton, XmNactivateCallback, &SpecDetailUI::prereqPushButtonCallback,
-                this);
   _incompatPushButton = templateButton("incompatPushButton", _rulesGrid, 4);
-  XtAddCallback(_incompatPushButton, XmNactivateCallback,
-                &SpecDetailUI::incompatPushButtonCallback, this);
   _replacesPushButton = templateButton("replacesPushButton", _rulesGrid, 5);
-  XtAddCallback(_replacesPushButton, XmNactivateCallback,
-                &SpecDetailUI::replacesPushButtonCallback, this);
 }
 
 void SpecDetailUI::buildImageForm() {
@@ -216,8 +220,6 @@ void SpecDetailUI::buildImageForm() {
                              {{XmNselectionPolicy, XmBROWSE_SELECT},
                               {XmNvisibleItemCount, 8},
                               {XmNlistSizePolicy, XmCONSTANT}});
-  XtAddCallback(_orderList, XmNbrowseSelectionCallback, &SpecDetailUI::browseSelectionCallback,
-                this);
 }
 
 const char* SpecDetailUI::className() const { return "SpecDetailUI"; }
@@ -227,23 +229,3 @@ void SpecDetailUI::browseSelection(Widget, XtPointer) {}
 void SpecDetailUI::incompatPushButton(Widget, XtPointer) {}
 void SpecDetailUI::prereqPushButton(Widget, XtPointer) {}
 void SpecDetailUI::replacesPushButton(Widget, XtPointer) {}
-
-void SpecDetailUI::applyArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->applyArrowButton(w, callData);
-}
-
-void SpecDetailUI::browseSelectionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->browseSelection(w, callData);
-}
-
-void SpecDetailUI::incompatPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->incompatPushButton(w, callData);
-}
-
-void SpecDetailUI::prereqPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->prereqPushButton(w, callData);
-}
-
-void SpecDetailUI::replacesPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->replacesPushButton(w, callData);
-}
