@@ -377,7 +377,7 @@ TEST_F(ViewTest, FilePanelsConnectedAndBoardNamesFollowTheMenu) {
   RecordingReporter reporter;
   FileListModel model(reporter);
   ASSERT_TRUE(model.setSourceRoot(tree.path()));
-  v.connectFileList(&model);
+  v.connectFileList(model);
   EXPECT_EQ(tree.path(), v.addPanel()->browsingDirectory());
   Widget sourceRoot = XtNameToWidget(v.permsPanel()->baseWidget(), "*sourceRootTextField");
   char* shown = XmTextGetString(sourceRoot);

@@ -3,19 +3,20 @@
 #include <Xm/Label.h>
 #include <Xm/TextF.h>
 
+#include <utility>
 #include <vector>
 
 #include "ov/OvList.h"
-#include "app/View.h"
 #include "filelist/FileListModel.h"
 #include "yr/YrApp.h"
 #include "yr/YrFileSelectionDialog.h"
 
-FileList::FileList(const char* name, Widget parent, View& view)
+FileList::FileList(const char* name, Widget parent, Reporter& reporter,
+                   std::function<int()> currentView)
     : FileListUI(name, parent),
-      _view(view),
-      _model(std::make_unique<FileListModel>(view.reporter())),
-      _listView(_fileList, *this, *this) {
+      _currentView(std::move(currentView)),
+      _model(std::make_unique<FileListModel>(reporter)),
+      _listView(_fileListWidget, *this, *this) {
   _model->setDisplay(this);
   _model->setFileNamePrompt(this);
   _model->setBusyIndicator(this);
@@ -51,7 +52,7 @@ int FileList::showReadBrowser() { return _model->showReadBrowser() ? 1 : 0; }
 int FileList::showSaveBrowser() { return _model->showSaveBrowser() ? 1 : 0; }
 
 void FileList::refresh() {
-  _model->setView(_view.currentView());
+  _model->setView(_currentView());
   _model->refresh();
 }
 

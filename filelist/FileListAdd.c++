@@ -57,9 +57,9 @@ FileListAdd::FileListAdd(const char* name, Widget parent)
 
 FileListAdd::~FileListAdd() = default;
 
-void FileListAdd::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
-  _reporter = reporter;
+void FileListAdd::connect(FileListModel& fileList, Reporter& reporter) {
+  _fileList = &fileList;
+  _reporter = &reporter;
 }
 
 void FileListAdd::log(const std::string& line) {

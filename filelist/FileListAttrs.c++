@@ -40,9 +40,9 @@ FileListAttrs::FileListAttrs(const char* name, Widget parent)
 
 FileListAttrs::~FileListAttrs() = default;
 
-void FileListAttrs::connect(FileListModel* fileList, Reporter* reporter) {
-  _fileList = fileList;
-  _reporter = reporter;
+void FileListAttrs::connect(FileListModel& fileList, Reporter& reporter) {
+  _fileList = &fileList;
+  _reporter = &reporter;
 }
 
 void FileListAttrs::addToggles() {

@@ -37,7 +37,7 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
       {{OvNrow, 1}, {OvNcolumn, 0}, {XmNwidth, 389}, {XmNheight, 368}});
   // The idb can hold a million records: the list draws only the rows that
   // show and brings its own scroll bars into the scrolled window.
-  _fileList = createManaged("fileList", ovListWidgetClass, _scrolledWindow,
+  _fileListWidget = createManaged("fileList", ovListWidgetClass, _scrolledWindow,
                             {{XmNselectionPolicy, XmEXTENDED_SELECT},
                              {XmNwidth, 371},
                              {XmNheight, 350}});
@@ -63,7 +63,7 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
   _undoPushButton = createManaged("undoPushButton", xmPushButtonWidgetClass, _springBox);
 
   addRoutes(this, {
-      {_fileList, XmNdefaultActionCallback, route<&FileListUI::defaultAction>},
+      {_fileListWidget, XmNdefaultActionCallback, route<&FileListUI::defaultAction>},
       // The filter runs on Return: on a large idb each run takes a moment,
       // and typing an expression must not pay it per key.
       {_selectionTextField, XmNactivateCallback, route<&FileListUI::selectionTextField>},

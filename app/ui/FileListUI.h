@@ -27,7 +27,7 @@ class FileListUI : public YrComponent {
 
   Widget _label = nullptr;
   Widget _scrolledWindow = nullptr;
-  Widget _fileList = nullptr;
+  Widget _fileListWidget = nullptr;
   Widget _selectionGrid = nullptr;
   Widget _selectionLabel = nullptr;
   Widget _selectionTextField = nullptr;
