@@ -55,9 +55,7 @@ FileListAddUI::FileListAddUI(const char* name, Widget parent) : YrComponent(name
   // The arrow points at the file list, to the right of the panel.
   _arrowSpringBox = createManagedSpringBox("arrowSpringBox", _baseWidget,
                                            {{OvNrow, 4}, {OvNresizeVertical, False}});
-  _arrowButton = createManaged("arrowButton", xmArrowButtonWidgetClass, _arrowSpringBox,
-                               {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40},
-                                {XmNheight, 30}});
+  _arrowButton = createManagedArrow("arrowButton", _arrowSpringBox, XmARROW_RIGHT);
   _arrowLabel = createManaged("arrowLabel", xmLabelWidgetClass, _arrowSpringBox);
 
   addRoutes(this, {

@@ -131,9 +131,8 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
       createManaged("attrsClearPushButton", xmPushButtonWidgetClass, _attrsSpringBox);
   _attrsSpringBox1 = createManagedSpringBox("attrsSpringBox1", _baseWidget,
                                             {{OvNrow, 2}, {OvNresizeVertical, False}});
-  _attrsAssignArrowButton = createManaged(
-      "attrsAssignArrowButton", xmArrowButtonWidgetClass, _attrsSpringBox1,
-      {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40}, {XmNheight, 30}});
+  _attrsAssignArrowButton =
+      createManagedArrow("attrsAssignArrowButton", _attrsSpringBox1, XmARROW_RIGHT);
   _attrsAssignLabel = createManaged("attrsAssignLabel", xmLabelWidgetClass, _attrsSpringBox1);
 
   using Self = FileListAttrsUI;

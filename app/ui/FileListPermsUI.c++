@@ -68,11 +68,6 @@ void fieldRows(Widget grid, std::initializer_list<FieldRow> rows) {
   }
 }
 
-Widget arrow(const char* name, Widget parent, unsigned char direction) {
-  return createManaged(name, xmArrowButtonWidgetClass, parent,
-                       {{XmNarrowDirection, direction}, {XmNwidth, 40}, {XmNheight, 30}});
-}
-
 }  // namespace
 
 FileListPermsUI::FileListPermsUI(const char* name, Widget parent) : YrComponent(name) {
@@ -91,7 +86,7 @@ FileListPermsUI::FileListPermsUI(const char* name, Widget parent) : YrComponent(
               30},
              {"destRootLabel", &_destRootLabel, "destRootTextField", &_destRootTextField, 30}});
   _applySpringBox = createManagedSpringBox("applySpringBox", _upperGrid, {{OvNrow, 1}});
-  _applyArrowButton = arrow("applyArrowButton", _applySpringBox, XmARROW_DOWN);
+  _applyArrowButton = createManagedArrow("applyArrowButton", _applySpringBox, XmARROW_DOWN);
   _applyLabel = createManaged("applyLabel", xmLabelWidgetClass, _applySpringBox);
 
   // The values assigned to the selected entries.
@@ -115,7 +110,7 @@ FileListPermsUI::FileListPermsUI(const char* name, Widget parent) : YrComponent(
              {"destFileLabel", &_destFileLabel, "destFileTextField", &_destFileTextField, 30}});
   _assignSpringBox = createManagedSpringBox("assignSpringBox", _lowerGrid,
                                             {{OvNrow, 1}, {OvNresizeVertical, False}});
-  _assignArrowButton = arrow("assignArrowButton", _assignSpringBox, XmARROW_RIGHT);
+  _assignArrowButton = createManagedArrow("assignArrowButton", _assignSpringBox, XmARROW_RIGHT);
   _assignLabel = createManaged("assignLabel", xmLabelWidgetClass, _assignSpringBox);
   _resetSpringBox = createManagedSpringBox("resetSpringBox", _lowerGrid,
                                            {{OvNrow, 2}, {OvNresizeVertical, False}});

@@ -19,6 +19,10 @@ Widget createManaged(const char* name, WidgetClass widgetClass, Widget parent,
 Widget createManagedGrid(const char* name, Widget parent, int rows, int columns,
                          LayoutArgs args = {});
 
+/// A managed arrow button of the size every panel's Assign, Apply and Add
+/// arrows have, pointing in direction (XmARROW_RIGHT and so on).
+Widget createManagedArrow(const char* name, Widget parent, unsigned char direction);
+
 /// A managed spring box.
 Widget createManagedSpringBox(const char* name, Widget parent, LayoutArgs args = {});
 
