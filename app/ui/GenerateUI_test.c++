@@ -1,7 +1,6 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
-#include <X11/IntrinsicP.h>
 #include <Xm/TextF.h>
 
 #include <string>
@@ -65,29 +64,14 @@ TEST_F(GenerateUITest, NamesTextsAndCallbacks) {
   EXPECT_EQ("/var/dist", fieldText(findWidget(user.baseWidget(), "distDirTextField")));
 }
 
-int heightOf(Widget w) {
-  Dimension h = 0;
-  XtVaGetValues(w, XmNheight, &h, nullptr);
-  return h;
-}
-
 TEST_F(GenerateUITest, OnlyTheOptionsTakeExtraHeight) {
   GenerateUI ui("Generate", _shell);
   ui.show();
   XtRealizeWidget(_shell);
   UiTestApp::flush();
-  Widget base = ui.baseWidget();
-  const char* fixed[] = {"label", "sourceRootGrid", "destRootGrid", "distDirGrid", "buttonGrid"};
-  int before[5];
-  for (int i = 0; i < 5; ++i) before[i] = heightOf(findWidget(base, fixed[i]));
-  Widget options = findWidget(base, "rowColumn");
-  int optionsBefore = heightOf(options);
-  Dimension width = 0, height = 0;
-  XtVaGetValues(base, XmNwidth, &width, XmNheight, &height, nullptr);
-  XtResizeWidget(base, width, height + 100, 0);
-  UiTestApp::flush();
-  EXPECT_EQ(optionsBefore + 100, heightOf(options));
-  for (int i = 0; i < 5; ++i) EXPECT_EQ(before[i], heightOf(findWidget(base, fixed[i]))) << fixed[i];
+  expectExtraHeightGoesTo(ui.baseWidget(), "rowColumn",
+                          {"label", "sourceRootGrid", "destRootGrid", "distDirGrid", "buttonGrid"},
+                          100);
 }
 
 }  // namespace

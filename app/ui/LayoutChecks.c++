@@ -114,6 +114,27 @@ void expectLayoutContract(Widget base, const char* const* fallbacks,
   }
 }
 
+int heightOf(Widget w) {
+  Dimension h = 0;
+  XtVaGetValues(w, XmNheight, &h, nullptr);
+  return h;
+}
+
+void expectExtraHeightGoesTo(Widget base, const char* grower, const std::vector<const char*>& fixed,
+                             int extra) {
+  std::vector<int> before;
+  for (const char* name : fixed) before.push_back(heightOf(findWidget(base, name)));
+  Widget growing = findWidget(base, grower);
+  int growerBefore = heightOf(growing);
+  Dimension width = 0, height = 0;
+  XtVaGetValues(base, XmNwidth, &width, XmNheight, &height, nullptr);
+  XtResizeWidget(base, width, height + extra, 0);
+  UiTestApp::flush();
+  EXPECT_EQ(growerBefore + extra, heightOf(growing)) << grower;
+  for (size_t i = 0; i < fixed.size(); ++i)
+    EXPECT_EQ(before[i], heightOf(findWidget(base, fixed[i]))) << fixed[i];
+}
+
 void putUserResource(Widget anyWidget, const char* line) {
   XrmDatabase db = XtDatabase(XtDisplay(anyWidget));
   XrmPutLineResource(&db, line);

@@ -48,6 +48,15 @@ struct LayoutContract {
 void expectLayoutContract(Widget base, const char* const* fallbacks,
                           const std::vector<LayoutContract>& table, CallLog& log);
 
+/// The height of w in pixels.
+int heightOf(Widget w);
+
+/// Makes the realized base extra pixels taller and expects the widget named
+/// grower to take them all and the widgets named in fixed to keep their
+/// heights.
+void expectExtraHeightGoesTo(Widget base, const char* grower, const std::vector<const char*>& fixed,
+                             int extra);
+
 /// A shell like the program's own: an application shell of class
 /// "Tamblin", so that resources given for the class reach its widgets.
 Widget newApplicationShell(const char* name);
