@@ -12,7 +12,7 @@
 #include "util/Utils.h"
 
 LogJump::LogJump(View* view, Widget logText, FileList* fileList, SpecGraph* specGraph)
-    : _view(view), _text(logText), _fileList(fileList), _specGraph(specGraph) {
+    : _view(view), _text(logText), _fileListPanel(fileList), _specGraph(specGraph) {
   XtAddEventHandler(_text, ButtonPressMask, False, buttonHandler, this);
   XtAddCallback(_text, XmNdestroyCallback, destroyCallback, this);
 }
@@ -56,8 +56,8 @@ bool LogJump::jump(const std::string& line) {
 }
 
 bool LogJump::showRecord(const std::string& file, int line) {
-  if (!_fileList) return false;
-  FileListModel& model = _fileList->model();
+  if (!_fileListPanel) return false;
+  FileListModel& model = _fileListPanel->model();
   if (model.idbFileName().empty() || !samePath(file, model.idbFileName())) return false;
   // The build read the file on disk; the list may be sorted otherwise, so
   // the record is found by its destination.
@@ -66,7 +66,7 @@ bool LogJump::showRecord(const std::string& file, int line) {
   if (index < 0) return false;
   _view->setView(1);
   model.setSelectedPositions({index + 1});
-  _fileList->listView().showPosition(index + 1);
+  _fileListPanel->listView().showPosition(index + 1);
   return true;
 }
 

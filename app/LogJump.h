@@ -34,7 +34,7 @@ class LogJump {
 
   View* _view;
   Widget _text;
-  FileList* _fileList;
+  FileList* _fileListPanel;
   SpecGraph* _specGraph;
   Time _lastPress = 0;
 };

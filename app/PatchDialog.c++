@@ -29,7 +29,7 @@ const char* const PatchDialog::_defaultPatchDialogResources[] = {
 PatchDialog::PatchDialog(const char* name, FileListModel& fileList, const std::string& productName,
                          Reporter& reporter)
     : YrGenericDialog(name, "Create Patch"),
-      _fileList(fileList),
+      _fileListModel(fileList),
       _productName(productName),
       _reporter(reporter) {}
 
@@ -62,7 +62,7 @@ Widget PatchDialog::createDialog(Widget parent) {
   _label = createManaged("label", xmLabelWidgetClass, _rowcolumn2);
   _textfield = createManaged("textfield", xmTextFieldWidgetClass, _rowcolumn2, {{XmNcolumns, 30}});
 
-  _chosen.resize(_fileList.idb().count());
+  _chosen.resize(_fileListModel.idb().count());
   _listView = std::make_unique<ListView>(_scrolledList, *this, *this);
   std::string proposal = proposeName(_productName);
   XmTextFieldSetString(_textfield, const_cast<char*>(proposal.c_str()));
@@ -82,10 +82,10 @@ Widget PatchDialog::createDialog(Widget parent) {
   return dialog;
 }
 
-int PatchDialog::count() const { return _fileList.idb().count(); }
+int PatchDialog::count() const { return _fileListModel.idb().count(); }
 
 std::string_view PatchDialog::text(int position) const {
-  return _fileList.listLine(position, _lineBuffer);
+  return _fileListModel.listLine(position, _lineBuffer);
 }
 
 bool PatchDialog::isSelected(int position) const { return _chosen.has(position); }
@@ -104,7 +104,7 @@ void PatchDialog::ok(Widget, XtPointer) {
     _reporter.error("Select files in patch.");
     return;
   }
-  _fileList.createPatch(name, keep);
+  _fileListModel.createPatch(name, keep);
   unpost();
-  _fileList.refresh();
+  _fileListModel.refresh();
 }

@@ -56,7 +56,7 @@ class PatchDialog : public YrGenericDialog, public ListView::Source, public List
   void selectAll() override { _chosen.selectAll(); }
   void deselectAll() override { _chosen.clear(); }
 
-  FileListModel& _fileList;
+  FileListModel& _fileListModel;
   std::string _productName;
   Reporter& _reporter;
   Widget _form = nullptr;

@@ -11,6 +11,7 @@
 
 #include "app/LogJump.h"
 #include "app/MessageLog.h"
+#include "app/PanelWiring.h"
 #include "app/TabPixmaps.h"
 #include "app/ui/FileListUI.h"
 #include "filelist/FileList.h"
@@ -99,8 +100,8 @@ View::View(const char* name, Widget parent) : ViewUI(name, parent), _display(XtD
   createTabPanel();
   createPanels();
   colourMessageLog();
-  _fileListPanel->model().initSourceRoot();
-  _fileListPanel->model().initDestRoot();
+  _fileListModel->initSourceRoot();
+  _fileListModel->initDestRoot();
   _logJump = std::make_unique<LogJump>(this, _messageText, _fileListPanel, _specGraph);
 }
 
@@ -146,29 +147,30 @@ void View::createTabPanel() {
 }
 
 void View::createPanels() {
-  // Every panel once, in its body, shown as soon as it is made.  The panels
-  // whose behaviour is not there yet are their bare layouts.
+  // Every panel once, in its body, shown as soon as it is made.
   Reporter& reporter = *_reporter;
   struct Place {
     std::function<YrComponent*()> make;
     bool attach;  // the body is a form: fill it
   };
   const Place places[] = {
-      {[this] {
-         auto* list = new FileList("FileList", _rightFrame, *this);
+      {[&] {
+         auto* list = new FileList("FileList", _rightFrame, reporter,
+                                   [this] { return _currentView; });
          _fileListPanel = list;
-         _fileList = &list->model();
+         _fileListModel = &list->model();
          _idb = list;
          return list;
        },
        false},
       {[&] { return _tagsPanel = new FileListTags("FileListTags", _tagsBody, reporter); }, true},
-      {[&] { return _specGraph = new SpecGraph("SpecGraph", _specBody, reporter); }, false},
+      {[&] { return _specGraph = new SpecGraph("SpecGraph", _specBody, reporter, *this); },
+       false},
       {[&] { return _specDetail = new SpecDetail("SpecDetail", _rightForm, reporter); }, true},
       {[this] { return _addPanel = new FileListAdd("FileListAdd", _addBody); }, true},
       {[this] { return _permsPanel = new FileListPerms("FileListPerms", _permsBody); }, true},
       {[this] { return _attrsPanel = new FileListAttrs("FileListAttrs", _attrsBody); }, true},
-      {[this] { return _buildPanel = new Generate("Generate", _generateBody, *_reporter); }, true},
+      {[&] { return _buildPanel = new Generate("Generate", _generateBody, reporter); }, true},
   };
   for (const Place& place : places) {
     YrComponent* panel = place.make();
@@ -179,44 +181,10 @@ void View::createPanels() {
                     XmATTACH_FORM, XmNleftAttachment, XmATTACH_FORM, XmNrightAttachment,
                     XmATTACH_FORM, nullptr);
   }
-  FileListModel* fileList = _fileList;
-  SpecGraphModel& graph = _specGraph->model();
-
-  // Tag Files: the tags panel assigns through the file list and offers the
-  // hierarchy's tags; the file list tells it when the idb's tags changed
-  // and which entry was double-clicked.
-  _tagsPanel->setFileList(fileList);
-  fileList->setTagsPartner(_tagsPanel);
-  _tagsPanel->setSpecGraph(&graph);
-  _specGraph->setTagsPanel(_tagsPanel);
-  // The file list proposes idb names after the product and builds patches
-  // in the hierarchy.
-  fileList->setSpecGraphPartner(_specGraph);
-
-  _specGraph->setDetail(_specDetail);
-  _specGraph->setView(this);
-  _specDetail->setSpecGraph(_specGraph);
-  _specDetail->setFileList(fileList);  // a renamed node retags the idb
-  _specDetail->setTagsPanel(_tagsPanel);
   _spec = _specGraph;
-  graph.defaultGraph();
-
-  _addPanel->setBrowsingDirectory("");
-  connectFileList(fileList);
-  _permsPanel->setSourceRoot(fileList->sourceRoot());
-  _permsPanel->setDestRoot(fileList->destRoot() ? *fileList->destRoot() : std::string());
-  _attrsPanel->hideInternalNames();
-
-  // Build Product: reads the roots, the idb and the spec, and keeps the
-  // text files out of its distribution directory.
-  _buildPanel->setFileList(fileList);
-  _buildPanel->setSpecGraph(&graph);
-  fileList->setBuildPartner(_buildPanel);
-  Generate* build = _buildPanel;
-  graph.setDistDirSource([build] { return build->getDistDir(); });
-  _buildPanel->setSourceRoot(fileList->sourceRoot());
-  _buildPanel->setDestRoot(fileList->destRoot() ? *fileList->destRoot() : std::string());
-  _buildPanel->setSpecFileLabel(_specGraph->specFileLabel());
+  _wiring.reset(new PanelWiring{reporter, *_fileListModel, *_specGraph, *_specDetail, *_tagsPanel,
+                                *_addPanel, *_permsPanel, *_attrsPanel, *_buildPanel});
+  _wiring->connect();
 }
 
 void View::specFileLabelChanged(const std::string& text) {
@@ -228,15 +196,7 @@ void View::setBrowsingDirectory(const std::string& dir) {
   if (_addPanel) _addPanel->setBrowsingDirectory(dir.c_str());
 }
 
-void View::connectFileList(FileListModel* fileList) {
-  fileList->setAddFilesPartner(_addPanel);
-  fileList->setPermsPartner(_permsPanel);
-  fileList->setAttrsPartner(_attrsPanel);
-  _addPanel->connect(fileList, _reporter.get());
-  _permsPanel->connect(fileList, _reporter.get());
-  _attrsPanel->connect(fileList, _reporter.get());
-  _addPanel->newSourceRootDirectory(fileList->sourceRoot());
-}
+void View::connectFileList(FileListModel& fileList) { _wiring->connectFilePanels(fileList); }
 
 void View::colourMessageLog() {
   LogColour colour{};

@@ -1,7 +1,8 @@
 // View: the main window's contents.  Five picture tabs over the message log
 // and the work area; every panel is created once, stacked in its place, and
 // choosing a tab raises the panels of that view.  The view owns the panels
-// and the message log that every part of the program writes to.
+// (connected once by a PanelWiring) and the message log that every part of
+// the program writes to.
 //
 // Views are numbered in tab order: 0 "Create Product Hierarchy", 1 "Tag
 // Files", 2 "Edit Permissions & Destinations", 3 "Add Attributes", 4 "Build
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "app/ui/ViewUI.h"
+#include "spec/SpecGraphWindow.h"
 #include "util/Reporter.h"
 
 class FileListTags;
@@ -28,6 +30,7 @@ class FileList;
 class IdbDocument;
 class LogJump;
 class MessageLog;
+struct PanelWiring;
 class SpecDetail;
 class SpecGraph;
 class SpecDocument;
@@ -35,7 +38,7 @@ class YrMenuItem;
 class YrMenuToggle;
 class YrTabPanel;
 
-class View : public ViewUI {
+class View : public ViewUI, public SpecGraphWindow {
  public:
   static constexpr int kNumViews = 5;
 
@@ -65,7 +68,7 @@ class View : public ViewUI {
   void hideInternalNames();
   /// Activates "Create Patch..." when the idb has records and the spec has
   /// a subsystem, else deactivates it.
-  void refreshCreatePatchMenuAction();
+  void refreshCreatePatchMenuAction() override;
 
   /// The menu objects the main window hands over (each may stay null).
   void setShowMessagesToggle(YrMenuToggle* t) { _showMessagesToggle = t; }
@@ -84,7 +87,7 @@ class View : public ViewUI {
 
   /// Connects the Add Files, Permissions and Attributes panels with the
   /// file list in both directions (the file list's model, not owned).
-  void connectFileList(FileListModel* fileList);
+  void connectFileList(FileListModel& fileList);
   FileListAdd* addPanel() const { return _addPanel; }
   FileListPerms* permsPanel() const { return _permsPanel; }
   FileListAttrs* attrsPanel() const { return _attrsPanel; }
@@ -98,8 +101,7 @@ class View : public ViewUI {
   FileListTags* tagsPanel() const { return _tagsPanel; }
   /// The idb's model behind the file list panel (null until that panel is
   /// there); not owned.
-  FileListModel* fileList() const { return _fileList; }
-  void setFileList(FileListModel* fileList) { _fileList = fileList; }
+  FileListModel* fileList() const { return _fileListModel; }
 
   /// Where the Add Files panel browses (the directory given last).
   /// Moves the Add Files panel there too.
@@ -108,7 +110,7 @@ class View : public ViewUI {
 
   /// The spec file label of the hierarchy changed: the build panel shows
   /// the same text.
-  void specFileLabelChanged(const std::string& text);
+  void specFileLabelChanged(const std::string& text) override;
 
   /// The "Build Product" panel.
   Generate* buildPanel() const { return _buildPanel; }
@@ -157,7 +159,8 @@ class View : public ViewUI {
   SpecDetail* _specDetail = nullptr;
   FileListTags* _tagsPanel = nullptr;
   Generate* _buildPanel = nullptr;
-  FileListModel* _fileList = nullptr;
+  FileListModel* _fileListModel = nullptr;
+  std::unique_ptr<PanelWiring> _wiring;
   std::string _browsingDirectory;
   std::unique_ptr<LogJump> _logJump;
 };

@@ -9,6 +9,7 @@
 #include <Xm/List.h>
 #include <Xm/Text.h>
 #include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -230,6 +231,18 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
   EXPECT_EQ(0755u, fileList.idb()[2]->mode());
   EXPECT_EQ(0644u, fileList.idb()[0]->mode());
   EXPECT_EQ("f 0755 root sys usr/man/c", listItems(fileListWidget()).at(2));
+
+  // Add Attributes: the same entry gets noshare, the others keep theirs.
+  view->setView(3);
+  selectEntries({3});
+  XmToggleButtonSetState(find(view->attrsPanel(), "attrsNoShareToggleButton"), True, False);
+  press(find(view->attrsPanel(), "attrsAssignArrowButton"));
+  auto hasNoshare = [&](int i) {
+    std::vector<std::string> attrs = fileList.idb()[i]->attrs();
+    return std::find(attrs.begin(), attrs.end(), "noshare") != attrs.end();
+  };
+  EXPECT_TRUE(hasNoshare(2));
+  EXPECT_FALSE(hasNoshare(0));
 
   // Create Product Hierarchy: renaming the image retags its files.
   view->setView(0);

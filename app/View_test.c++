@@ -4,18 +4,26 @@
 #include <Xm/Text.h>
 #include <Xm/Xm.h>
 
+#include <sys/stat.h>
+
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/TabPixmaps.h"
 #include "app/View.h"
+#include "app/ui/LayoutChecks.h"
+#include "build/DistDirCheck.h"
+#include "build/Generate.h"
 #include "filelist/FileListAdd.h"
 #include "filelist/FileListAttrs.h"
 #include "filelist/FileListModel.h"
 #include "filelist/FileListPerms.h"
 #include "filelist/IdbDocument.h"
 #include "spec/SpecDocument.h"
+#include "spec/SpecGraph.h"
+#include "spec/SpecGraphModel.h"
 #include "util/RecordingReporter.h"
 #include "util/TempDir.h"
 #include "util/UiTestApp.h"
@@ -377,7 +385,7 @@ TEST_F(ViewTest, FilePanelsConnectedAndBoardNamesFollowTheMenu) {
   RecordingReporter reporter;
   FileListModel model(reporter);
   ASSERT_TRUE(model.setSourceRoot(tree.path()));
-  v.connectFileList(&model);
+  v.connectFileList(model);
   EXPECT_EQ(tree.path(), v.addPanel()->browsingDirectory());
   Widget sourceRoot = XtNameToWidget(v.permsPanel()->baseWidget(), "*sourceRootTextField");
   char* shown = XmTextGetString(sourceRoot);
@@ -388,6 +396,26 @@ TEST_F(ViewTest, FilePanelsConnectedAndBoardNamesFollowTheMenu) {
   model.setAddFilesPartner(nullptr);
   model.setPermsPartner(nullptr);
   model.setAttrsPartner(nullptr);
+}
+
+TEST_F(ViewTest, TheBuildPanelFollowsTheHierarchyFromTheStart) {
+  View& v = makeView();
+  EXPECT_EQ(v.specGraph()->specFileLabel(),
+            labelText(findWidget(v.buildPanel()->baseWidget(), "label")));
+
+  // The hierarchy asks the build panel where the distribution goes and
+  // will not save the spec there.
+  TempDir dist;
+  v.buildPanel()->setDistDir(dist.path());
+  const std::string spec = dist.file("p.spec");
+  std::optional<std::string> refusal = checkDistDir(DistDirUse::Save, spec, dist.path());
+  ASSERT_TRUE(refusal);
+  EXPECT_FALSE(v.specGraph()->model().save(spec.c_str()));
+  EXPECT_TRUE(getTheErrorDialog()->isPosted());
+  EXPECT_EQ(*refusal, getTheErrorDialog()->message());
+  getTheErrorDialog()->press(YrDialogManager::Ok);
+  struct stat st;
+  EXPECT_NE(0, stat(spec.c_str(), &st));
 }
 
 }  // namespace

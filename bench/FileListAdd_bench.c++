@@ -70,7 +70,7 @@ struct Panels {
     list = XmCreateScrolledList(form, const_cast<char*>("fileList"), nullptr, 0);
     XtManageChild(list);
     model.setAddFilesPartner(add.get());
-    add->connect(&model, &reporter);
+    add->connect(model, reporter);
     XtRealizeWidget(shell);
     flush();
   }

@@ -57,7 +57,8 @@ void BM_SpecOf2000NodesOpenedInThePanel(benchmark::State& state) {
     state.PauseTiming();
     Widget shell = XtVaAppCreateShell("bench", "Tamblin", topLevelShellWidgetClass, gDisplay,
                                       XmNwidth, 800, XmNheight, 600, nullptr);
-    auto panel = std::make_unique<SpecGraph>("specGraph", shell, reporter);
+    auto panel =
+        std::make_unique<SpecGraph>("specGraph", shell, reporter, SpecGraphWindow::none());
     panel->show();
     XtRealizeWidget(shell);
     flush();

@@ -32,8 +32,11 @@ class Generate : public GenerateUI, public BuildPartner {
   ~Generate() override;
   const char* className() const override { return "Generate"; }
 
-  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
-  void setSpecGraph(SpecGraphModel* specGraph) { _specGraph = specGraph; }
+  /// The idb and the spec it saves and builds; both must outlive the panel.
+  void connect(FileListModel& fileList, SpecGraphModel& specGraph) {
+    _fileListModel = &fileList;
+    _specGraph = &specGraph;
+  }
 
   // What the file list tells and asks the panel.
   void setSourceRoot(const std::string& root) override;

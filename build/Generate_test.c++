@@ -45,8 +45,7 @@ class GenerateTest : public ::testing::Test {
     fileList = std::make_unique<FileListModel>(reporter);
     spec = std::make_unique<SpecGraphModel>(&reporter);
     spec->defaultGraph();
-    panel->setFileList(fileList.get());
-    panel->setSpecGraph(spec.get());
+    panel->connect(*fileList, *spec);
     fileList->setBuildPartner(panel.get());
     // Both files saved, in a directory of their own.
     ASSERT_TRUE(spec->save(dir.file("p.spec").c_str()));

@@ -3,20 +3,21 @@
 #include <Xm/Label.h>
 #include <Xm/TextF.h>
 
+#include <utility>
 #include <vector>
 
 #include "ov/OvList.h"
-#include "app/View.h"
 #include "filelist/FileListModel.h"
 #include "yr/YrApp.h"
 #include "yr/YrFileSelectionDialog.h"
 
-FileList::FileList(const char* name, Widget parent, View& view)
+FileList::FileList(const char* name, Widget parent, Reporter& reporter,
+                   std::function<int()> currentView)
     : FileListUI(name, parent),
-      _view(view),
+      _currentView(std::move(currentView)),
       _busy(baseWidget()),
-      _model(std::make_unique<FileListModel>(view.reporter())),
-      _listView(_fileList, *this, *this) {
+      _model(std::make_unique<FileListModel>(reporter)),
+      _listView(_fileListWidget, *this, *this) {
   _model->setDisplay(this);
   _model->setFileNamePrompt(this);
   _model->setBusyIndicator(&_busy);
@@ -52,7 +53,7 @@ int FileList::showReadBrowser() { return _model->showReadBrowser() ? 1 : 0; }
 int FileList::showSaveBrowser() { return _model->showSaveBrowser() ? 1 : 0; }
 
 void FileList::refresh() {
-  _model->setView(_view.currentView());
+  _model->setView(_currentView());
   _model->refresh();
 }
 

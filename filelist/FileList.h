@@ -3,11 +3,12 @@
 // ways; the filter field, All, None, Delete Selected Items, Undo Last
 // Operation and the list's double click act on the model.  The main
 // window's idb menu entries arrive here (IdbDocument), and the model reaches
-// the user through the view's reporter, the shared file selection dialog
-// and the application's busy state.
+// the user through the reporter it is given, the shared file selection
+// dialog and the application's busy state.
 #ifndef TAMBLIN_FILELIST_FILELIST_H
 #define TAMBLIN_FILELIST_FILELIST_H
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -19,7 +20,7 @@
 #include "yr/YrBusyIndicator.h"
 
 class FileListModel;
-class View;
+class Reporter;
 
 class FileList : public FileListUI,
                  public IdbDocument,
@@ -28,8 +29,10 @@ class FileList : public FileListUI,
                  public ListView::Source,
                  public ListView::Gestures {
  public:
-  /// view must outlive the panel.
-  FileList(const char* name, Widget parent, View& view);
+  /// reporter must outlive the panel; currentView tells which tab (0 to 4)
+  /// the lines are for.
+  FileList(const char* name, Widget parent, Reporter& reporter,
+           std::function<int()> currentView);
   ~FileList() override;
   const char* className() const override { return "FileList"; }
 
@@ -82,7 +85,7 @@ class FileList : public FileListUI,
   void selectAll() override;
   void deselectAll() override;
 
-  View& _view;
+  std::function<int()> _currentView;
   YrBusyIndicator _busy;
   std::unique_ptr<FileListModel> _model;
   ListView _listView;

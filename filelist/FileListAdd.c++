@@ -58,9 +58,9 @@ FileListAdd::FileListAdd(const char* name, Widget parent)
 
 FileListAdd::~FileListAdd() = default;
 
-void FileListAdd::connect(FileListModel* fileList, Reporter* reporter) {
-  _model = fileList;
-  _reporter = reporter;
+void FileListAdd::connect(FileListModel& fileList, Reporter& reporter) {
+  _model = &fileList;
+  _reporter = &reporter;
 }
 
 void FileListAdd::log(const std::string& line) {

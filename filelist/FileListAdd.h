@@ -35,7 +35,7 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
   const char* className() const override { return "FileListAdd"; }
 
   /// The shared file list and where messages go (neither owned).
-  void connect(FileListModel* fileList, Reporter* reporter);
+  void connect(FileListModel& fileList, Reporter& reporter);
 
   /// Moves the browser to the directory text names (relative texts from the
   /// current directory, "~" the current directory itself); null re-reads

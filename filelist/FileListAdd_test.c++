@@ -36,7 +36,7 @@ class FileListAddTest : public ::testing::Test {
     ASSERT_TRUE(model->setSourceRoot(tree.path()));
     panel = std::make_unique<FileListAdd>("FileListAdd", shell);
     model->setAddFilesPartner(panel.get());
-    panel->connect(model.get(), &reporter);
+    panel->connect(*model, reporter);
     panel->setBrowsingDirectory(tree.path().c_str());
     reporter.clear();
   }

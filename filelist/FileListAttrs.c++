@@ -42,9 +42,9 @@ FileListAttrs::FileListAttrs(const char* name, Widget parent)
 
 FileListAttrs::~FileListAttrs() = default;
 
-void FileListAttrs::connect(FileListModel* fileList, Reporter* reporter) {
-  _model = fileList;
-  _reporter = reporter;
+void FileListAttrs::connect(FileListModel& fileList, Reporter& reporter) {
+  _model = &fileList;
+  _reporter = &reporter;
 }
 
 void FileListAttrs::addToggles() {

@@ -28,7 +28,7 @@ class FileListAttrs : public FileListAttrsUI, public AttrsPartner {
   const char* className() const override { return "FileListAttrs"; }
 
   /// The shared file list and where messages go (neither owned).
-  void connect(FileListModel* fileList, Reporter* reporter);
+  void connect(FileListModel& fileList, Reporter& reporter);
 
   /// Shows one entry's attributes (removeop is not shown again).
   void setCurrent(const std::vector<std::string>& attrs) override;

@@ -36,7 +36,7 @@ class FileListAttrsTest : public ::testing::Test {
     ASSERT_EQ(2, model->idb().count());
     panel = std::make_unique<FileListAttrs>("FileListAttrs", shell);
     model->setAttrsPartner(panel.get());
-    panel->connect(model.get(), &reporter);
+    panel->connect(*model, reporter);
     reporter.clear();
   }
   void TearDown() override {

@@ -24,9 +24,9 @@ FileListPerms::FileListPerms(const char* name, Widget parent) : FileListPermsUI(
   permsClear();
 }
 
-void FileListPerms::connect(FileListModel* fileList, Reporter* reporter) {
-  _model = fileList;
-  _reporter = reporter;
+void FileListPerms::connect(FileListModel& fileList, Reporter& reporter) {
+  _model = &fileList;
+  _reporter = &reporter;
   showRoots();
 }
 

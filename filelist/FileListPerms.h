@@ -23,7 +23,7 @@ class FileListPerms : public FileListPermsUI, public PermsPartner {
 
   /// The shared file list and where messages go (neither owned).  Fills the
   /// root fields from the file list.
-  void connect(FileListModel* fileList, Reporter* reporter);
+  void connect(FileListModel& fileList, Reporter& reporter);
 
   // PermsPartner
   void setSourceRoot(const std::string& root) override;

@@ -37,7 +37,7 @@ class FileListPermsTest : public ::testing::Test {
     ASSERT_EQ(3, model->idb().count());
     panel = std::make_unique<FileListPerms>("FileListPerms", shell);
     model->setPermsPartner(panel.get());
-    panel->connect(model.get(), &reporter);
+    panel->connect(*model, reporter);
     reporter.clear();
   }
   void TearDown() override {

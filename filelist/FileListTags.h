@@ -30,8 +30,12 @@ class FileListTags : public FileListTagsUI, public TagsPartner {
   FileListTags(const char* name, Widget parent, Reporter& reporter);
   const char* className() const override { return "FileListTags"; }
 
-  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
-  void setSpecGraph(const SpecGraphModel* specGraph) { _specGraph = specGraph; }
+  /// Assigns through fileList and offers specGraph's tags; both must
+  /// outlive the panel.
+  void connect(FileListModel& fileList, const SpecGraphModel& specGraph) {
+    _fileListModel = &fileList;
+    _specGraph = &specGraph;
+  }
 
   /// Appends tag, selected and scrolled into view, unless it is empty or
   /// already listed.

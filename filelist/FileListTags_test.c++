@@ -24,8 +24,9 @@ class FileListTagsTest : public ::testing::Test {
   void SetUp() override {
     shell = UiTestApp::newShell("tagsShell");
     fileList = std::make_unique<FileListModel>(reporter);
+    spec = std::make_unique<SpecGraphModel>(&reporter);
     tags = std::make_unique<FileListTags>("fileListTags", shell, reporter);
-    tags->setFileList(fileList.get());
+    tags->connect(*fileList, *spec);
     tags->show();
     XtRealizeWidget(shell);
     UiTestApp::flush();
@@ -59,6 +60,7 @@ class FileListTagsTest : public ::testing::Test {
   Widget shell = nullptr;
   RecordingReporter reporter;
   std::unique_ptr<FileListModel> fileList;
+  std::unique_ptr<SpecGraphModel> spec;
   std::unique_ptr<FileListTags> tags;
 };
 
@@ -125,9 +127,7 @@ TEST_F(FileListTagsTest, RefreshPutsTheIdbsTagsFirstAndTheFirstInTheField) {
                                        "f 0644 root sys a a p.sw.z\n"
                                        "f 0644 root sys b b p.sw.base\n"
                                        "f 0644 root sys c c p.sw.z\n")));
-  SpecGraphModel spec(&reporter);
-  spec.defaultGraph();
-  tags->setSpecGraph(&spec);
+  spec->defaultGraph();
   type("leftover");
   tags->refresh();
   EXPECT_EQ((Items{"p.sw.z", "p.sw.base", "my_product.sw.base", "my_product.sw.optional",

@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
                                         XmNleftAttachment, XmATTACH_FORM, nullptr);
   XtAddCallback(save, XmNactivateCallback, &saveCallback, &driver);
   model.setAddFilesPartner(&panel);
-  panel.connect(&model, &reporter);
+  panel.connect(model, reporter);
   panel.setBrowsingDirectory(argv[1]);
   XtRealizeWidget(shell);
 

@@ -38,15 +38,12 @@ class HierarchyTestBench : public ::testing::Test {
     Widget form = XtVaCreateManagedWidget("form", xmFormWidgetClass, shell, nullptr);
     fileList = std::make_unique<FileListModel>(reporter);
     tags = std::make_unique<FileListTags>("fileListTags", form, reporter);
-    graph = std::make_unique<SpecGraph>("specGraph", form, reporter);
+    graph =
+        std::make_unique<SpecGraph>("specGraph", form, reporter, SpecGraphWindow::none());
     detail = std::make_unique<SpecDetail>("specDetail", form, reporter);
-    tags->setFileList(fileList.get());
-    tags->setSpecGraph(&graph->model());
-    graph->setDetail(detail.get());
-    graph->setTagsPanel(tags.get());
-    detail->setSpecGraph(graph.get());
-    detail->setFileList(fileList.get());
-    detail->setTagsPanel(tags.get());
+    tags->connect(*fileList, graph->model());
+    graph->connect(*detail, *tags);
+    detail->connect(*graph, *fileList, *tags);
     fileList->setTagsPartner(tags.get());
     for (YrComponent* c : {static_cast<YrComponent*>(tags.get()),
                            static_cast<YrComponent*>(graph.get()),

@@ -33,9 +33,13 @@ class SpecDetail : public SpecDetailUI {
   SpecDetail(const char* name, Widget parent, Reporter& reporter);
   const char* className() const override { return "SpecDetail"; }
 
-  void setSpecGraph(SpecGraph* specGraph) { _specGraph = specGraph; }
-  void setFileList(FileListModel* fileList) { _fileListModel = fileList; }
-  void setTagsPanel(FileListTags* tags) { _tagsPanel = tags; }
+  /// The hierarchy whose nodes it edits, the idb a renamed node retags and
+  /// the tags panel that offers the new tags; all must outlive the panel.
+  void connect(SpecGraph& specGraph, FileListModel& fileList, FileListTags& tags) {
+    _specGraph = &specGraph;
+    _fileListModel = &fileList;
+    _tagsPanel = &tags;
+  }
 
   SpecNode* current() const { return _current; }
   /// Shows node (null: none) in the form of its level.

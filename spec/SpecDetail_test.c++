@@ -290,7 +290,7 @@ TEST_F(SpecDetailTest, RequiredToggleIsOfferedWhenTheResourceAsks) {
   Widget appShell = newApplicationShell("requiredShell");
   putUserResource(appShell, "Tamblin*offering*showRequiredToggleButton: True");
   auto offering = std::make_unique<SpecDetail>("offering", appShell, reporter);
-  offering->setSpecGraph(graph.get());
+  offering->connect(*graph, *fileList, *tags);
   SpecNode* base = model().getNode("my_product.sw.base");
   base->setRequired(true);
   offering->setCurrent(base);

@@ -4,7 +4,6 @@
 
 #include <cassert>
 
-#include "app/View.h"
 #include "filelist/FileListTags.h"
 #include "ov/OvGraph.h"
 #include "spec/SpecDetail.h"
@@ -14,8 +13,9 @@
 #include "yr/YrFileSelectionDialog.h"
 #include "yr/YrGraph.h"
 
-SpecGraph::SpecGraph(const char* name, Widget parent, Reporter& reporter)
-    : SpecGraphUI(name, parent), _reporter(reporter) {
+SpecGraph::SpecGraph(const char* name, Widget parent, Reporter& reporter,
+                     SpecGraphWindow& window)
+    : SpecGraphUI(name, parent), _reporter(reporter), _window(window) {
   _model = std::make_unique<SpecGraphModel>(&reporter);
   _graph = std::make_unique<YrGraph>("graph", _form);
   XtAddCallback(_graph->graphWidget(), OvNselectNodeCallback, &SpecGraph::selectNodeCallback,
@@ -129,7 +129,7 @@ void SpecGraph::tagsChanged() {
 }
 
 void SpecGraph::refreshCreatePatchMenuAction() {
-  if (_view) _view->refreshCreatePatchMenuAction();
+  _window.refreshCreatePatchMenuAction();
 }
 
 void SpecGraph::specFileNameChanged(const std::string& name) {
@@ -137,7 +137,7 @@ void SpecGraph::specFileNameChanged(const std::string& name) {
   XmString s = XmStringCreateLocalized(const_cast<char*>(text.c_str()));
   XtVaSetValues(_label, XmNlabelString, s, nullptr);
   XmStringFree(s);
-  if (_view) _view->specFileLabelChanged(text);
+  _window.specFileLabelChanged(text);
 }
 
 // ---- Spec file commands ---------------------------------------------------------

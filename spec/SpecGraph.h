@@ -6,8 +6,8 @@
 //
 // It is also the spec document of the main window's File menus (open,
 // append, save, save as, new) and the file list's view of the hierarchy.
-// The detail panel, the tags panel and the view are connected after
-// construction and may stay null.
+// The window it reports to is given when it is made; the detail and tags
+// panels, made after it, are connected once with connect().
 #ifndef TAMBLIN_SPEC_SPECGRAPH_H
 #define TAMBLIN_SPEC_SPECGRAPH_H
 
@@ -18,11 +18,11 @@
 #include "filelist/SpecGraphPartner.h"
 #include "spec/SpecDocument.h"
 #include "spec/SpecGraphModel.h"
+#include "spec/SpecGraphWindow.h"
 
 class FileListTags;
 class Reporter;
 class SpecDetail;
-class View;
 class YrGraph;
 struct OvGraphCallbackStruct;
 
@@ -31,16 +31,19 @@ class SpecGraph : public SpecGraphUI,
                   public SpecGraphPartner,
                   private SpecGraphObserver {
  public:
-  /// reporter must outlive the panel.
-  SpecGraph(const char* name, Widget parent, Reporter& reporter);
+  /// reporter and window must outlive the panel.
+  SpecGraph(const char* name, Widget parent, Reporter& reporter, SpecGraphWindow& window);
   ~SpecGraph() override;
   const char* className() const override { return "SpecGraph"; }
 
   SpecGraphModel& model() { return *_model; }
   YrGraph& graph() { return *_graph; }
-  void setDetail(SpecDetail* detail) { _detail = detail; }
-  void setTagsPanel(FileListTags* tags) { _tagsPanel = tags; }
-  void setView(View* view) { _view = view; }
+  /// The panels that show the selected node and offer its tag; both must
+  /// outlive this one.
+  void connect(SpecDetail& detail, FileListTags& tags) {
+    _detail = &detail;
+    _tagsPanel = &tags;
+  }
 
   /// The node shown by a node widget (null for any other widget).
   SpecNode* nodeOf(Widget w) const;
@@ -91,11 +94,11 @@ class SpecGraph : public SpecGraphUI,
   void specFileNameChanged(const std::string& name) override;
 
   Reporter& _reporter;
+  SpecGraphWindow& _window;
   std::unique_ptr<SpecGraphModel> _model;
   std::unique_ptr<YrGraph> _graph;
   SpecDetail* _detail = nullptr;
   FileListTags* _tagsPanel = nullptr;
-  View* _view = nullptr;
 };
 
 #endif

@@ -10,6 +10,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (FileListAddUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<FileListAddUI, method>;
+
 const char* const FileListAddUI::_defaultFileListAddUIResources[] = {
     "*directoryLabel.labelString:  File Browser",
     "*selectionLabel.labelString:  Filter",
@@ -30,15 +34,11 @@ FileListAddUI::FileListAddUI(const char* name, Widget parent) : YrComponent(name
                                    {OvNgravity, 7}, {OvNresizeVertical, False}});
   _directoryTextField = createManaged("directoryTextField", xmTextFieldWidgetClass, _baseWidget,
                                       {{OvNrow, 1}, {OvNresizeVertical, False}});
-  XtAddCallback(_directoryTextField, XmNactivateCallback,
-                &FileListAddUI::directoryTextFieldCallback, this);
   _scrolledWindow = createManagedScrolledWindow("scrolledWindow", _baseWidget, {{OvNrow, 2}});
   _filesList = createManaged("filesList", xmListWidgetClass, _scrolledWindow,
                              {{XmNselectionPolicy, XmEXTENDED_SELECT},
                               {XmNvisibleItemCount, 11},
                               {XmNlistSizePolicy, XmCONSTANT}});
-  XtAddCallback(_filesList, XmNdefaultActionCallback, &FileListAddUI::defaultActionCallback,
-                this);
 
   _selectionGrid = createManagedGrid("selectionGrid", _baseWidget, 1, 4,
                                      {{OvNrow, 3}, {OvNresizeVertical, False}});
@@ -47,25 +47,25 @@ FileListAddUI::FileListAddUI(const char* name, Widget parent) : YrComponent(name
                     {{OvNcolumn, 0}, {OvNgravity, 4}, {OvNresizeHorizontal, False}});
   _selectionTextField = createManaged("selectionTextField", xmTextFieldWidgetClass,
                                       _selectionGrid, {{OvNcolumn, 1}});
-  XtAddCallback(_selectionTextField, XmNvalueChangedCallback,
-                &FileListAddUI::selectionTextFieldCallback, this);
   _allPushButton = createManaged("allPushButton", xmPushButtonWidgetClass, _selectionGrid,
                                  {{OvNcolumn, 2}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_allPushButton, XmNactivateCallback, &FileListAddUI::allPushButtonCallback,
-                this);
   _nonePushButton = createManaged("nonePushButton", xmPushButtonWidgetClass, _selectionGrid,
                                   {{OvNcolumn, 3}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_nonePushButton, XmNactivateCallback, &FileListAddUI::nonePushButtonCallback,
-                this);
 
   // The arrow points at the file list, to the right of the panel.
   _arrowSpringBox = createManagedSpringBox("arrowSpringBox", _baseWidget,
                                            {{OvNrow, 4}, {OvNresizeVertical, False}});
-  _arrowButton = createManaged("arrowButton", xmArrowButtonWidgetClass, _arrowSpringBox,
-                               {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40},
-                                {XmNheight, 30}});
-  XtAddCallback(_arrowButton, XmNactivateCallback, &FileListAddUI::arrowButtonCallback, this);
+  _arrowButton = createManagedArrow("arrowButton", _arrowSpringBox, XmARROW_RIGHT);
   _arrowLabel = createManaged("arrowLabel", xmLabelWidgetClass, _arrowSpringBox);
+
+  addRoutes(this, {
+      {_directoryTextField, XmNactivateCallback, route<&FileListAddUI::directoryTextField>},
+      {_filesList, XmNdefaultActionCallback, route<&FileListAddUI::defaultAction>},
+      {_selectionTextField, XmNvalueChangedCallback, route<&FileListAddUI::selectionTextField>},
+      {_allPushButton, XmNactivateCallback, route<&FileListAddUI::allPushButton>},
+      {_nonePushButton, XmNactivateCallback, route<&FileListAddUI::nonePushButton>},
+      {_arrowButton, XmNactivateCallback, route<&FileListAddUI::arrowButton>},
+  });
 }
 
 const char* FileListAddUI::className() const { return "FileListAddUI"; }
@@ -76,27 +76,3 @@ void FileListAddUI::defaultAction(Widget, XtPointer) {}
 void FileListAddUI::directoryTextField(Widget, XtPointer) {}
 void FileListAddUI::nonePushButton(Widget, XtPointer) {}
 void FileListAddUI::selectionTextField(Widget, XtPointer) {}
-
-void FileListAddUI::allPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->allPushButton(w, callData);
-}
-
-void FileListAddUI::arrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->arrowButton(w, callData);
-}
-
-void FileListAddUI::defaultActionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->defaultAction(w, callData);
-}
-
-void FileListAddUI::directoryTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->directoryTextField(w, callData);
-}
-
-void FileListAddUI::nonePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->nonePushButton(w, callData);
-}
-
-void FileListAddUI::selectionTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAddUI*>(clientData)->selectionTextField(w, callData);
-}

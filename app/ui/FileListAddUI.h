@@ -37,14 +37,6 @@ class FileListAddUI : public YrComponent {
   Widget _arrowSpringBox = nullptr;
   Widget _arrowButton = nullptr;
   Widget _arrowLabel = nullptr;
-
- private:
-  static void allPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void arrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void defaultActionCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void directoryTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void nonePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void selectionTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

@@ -1,17 +1,10 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
-#include <Xm/ArrowB.h>
-#include <Xm/Label.h>
-#include <Xm/List.h>
-#include <Xm/PushB.h>
-#include <Xm/ScrolledW.h>
-#include <Xm/TextF.h>
+#include <Xm/Xm.h>
 
 #include "app/ui/FileListAddUI.h"
 #include "app/ui/LayoutChecks.h"
-#include "ov/OvGrid.h"
-#include "ov/OvSpringBox.h"
 
 namespace {
 
@@ -37,62 +30,30 @@ class FileListAddUITest : public ::testing::Test {
   Widget _shell = nullptr;
 };
 
-TEST_F(FileListAddUITest, BuildsTheNamedWidgetsInOrderUnderTheirParents) {
-  FileListAddUI ui("FileListAdd", _shell);
-  EXPECT_STREQ("FileListAddUI", ui.className());
-  expectWidgetTree(ui.baseWidget(),
-                   {
-                       {"FileListAdd", ovGridWidgetClass, "addShell"},
-                       {"directoryLabel", xmLabelWidgetClass, "FileListAdd"},
-                       {"directoryTextField", xmTextFieldWidgetClass, "FileListAdd"},
-                       {"scrolledWindow", xmScrolledWindowWidgetClass, "FileListAdd"},
-                       {"filesList", xmListWidgetClass, "scrolledWindow"},
-                       {"selectionGrid", ovGridWidgetClass, "FileListAdd"},
-                       {"selectionLabel", xmLabelWidgetClass, "selectionGrid"},
-                       {"selectionTextField", xmTextFieldWidgetClass, "selectionGrid"},
-                       {"allPushButton", xmPushButtonWidgetClass, "selectionGrid"},
-                       {"nonePushButton", xmPushButtonWidgetClass, "selectionGrid"},
-                       {"arrowSpringBox", ovSpringBoxWidgetClass, "FileListAdd"},
-                       {"arrowButton", xmArrowButtonWidgetClass, "arrowSpringBox"},
-                       {"arrowLabel", xmLabelWidgetClass, "arrowSpringBox"},
-                   });
-  unsigned char policy = 0;
-  int visible = 0;
-  XtVaGetValues(findWidget(ui.baseWidget(), "filesList"), XmNselectionPolicy, &policy,
-                XmNvisibleItemCount, &visible, nullptr);
-  EXPECT_EQ(XmEXTENDED_SELECT, policy);
-  EXPECT_EQ(11, visible);
-}
-
-TEST_F(FileListAddUITest, EveryCallbackReachesItsMethod) {
+TEST_F(FileListAddUITest, NamesTextsAndCallbacks) {
   RecordingFileListAdd ui("FileListAdd", _shell);
-  expectCallbacksRouted(ui.baseWidget(),
-                        {
-                            {"directoryTextField", XmNactivateCallback, "directoryTextField"},
-                            {"filesList", XmNdefaultActionCallback, "defaultAction"},
-                            {"selectionTextField", XmNvalueChangedCallback, "selectionTextField"},
-                            {"allPushButton", XmNactivateCallback, "allPushButton"},
-                            {"nonePushButton", XmNactivateCallback, "nonePushButton"},
-                            {"arrowButton", XmNactivateCallback, "arrowButton"},
-                        },
-                        ui.log);
-}
+  const char* activate = XmNactivateCallback;
+  expectLayoutContract(
+      ui.baseWidget(), FileListAddUI::_defaultFileListAddUIResources,
+      {
+          {"directoryLabel", "File Browser"},
+          {"directoryTextField", nullptr, activate, "directoryTextField"},
+          {"scrolledWindow.filesList", nullptr, XmNdefaultActionCallback, "defaultAction"},
+          {"selectionGrid.selectionLabel", "Filter"},
+          // The filter follows each key.
+          {"selectionGrid.selectionTextField", nullptr, XmNvalueChangedCallback,
+           "selectionTextField"},
+          {"selectionGrid.allPushButton", "All", activate, "allPushButton"},
+          {"selectionGrid.nonePushButton", "None", activate, "nonePushButton"},
+          {"arrowSpringBox.arrowButton", nullptr, activate, "arrowButton"},
+          {"arrowSpringBox.arrowLabel", "Add"},
+      },
+      ui.log);
 
-TEST_F(FileListAddUITest, FallbackTextsAndTheUsersOwn) {
-  expectResourceLinesWellFormed(FileListAddUI::_defaultFileListAddUIResources);
-  {
-    FileListAddUI ui("FileListAdd", _shell);
-    expectLabelTexts(ui.baseWidget(), {
-                                          {"directoryLabel", "File Browser"},
-                                          {"selectionLabel", "Filter"},
-                                          {"allPushButton", "All"},
-                                          {"nonePushButton", "None"},
-                                          {"arrowLabel", "Add"},
-                                      });
-  }
+  // A user's resource under the class name wins over the fallback.
   putUserResource(_shell, "Tamblin*userFileListAdd*arrowLabel.labelString: Take");
-  FileListAddUI ui("userFileListAdd", _shell);
-  expectLabelTexts(ui.baseWidget(), {{"arrowLabel", "Take"}, {"directoryLabel", "File Browser"}});
+  FileListAddUI user("userFileListAdd", _shell);
+  EXPECT_EQ("Take", labelText(findWidget(user.baseWidget(), "arrowLabel")));
 }
 
 }  // namespace

@@ -12,6 +12,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (FileListAttrsUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<FileListAttrsUI, method>;
+
 const char* const FileListAttrsUI::_defaultFileListAttrsUIResources[] = {
     "*attrsConfigToggleButton.labelString:  config  (file)",
     "*attrsConfigOptionMenu.labelString:   ",
@@ -118,12 +122,39 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   XtVaGetValues(_scrolledWindow, XmNclipWindow, &clip, nullptr);
   if (clip)
     XtAddEventHandler(clip, StructureNotifyMask, False, &FileListAttrsUI::clipResized, this);
-  _softAttrsLabel = leftLabel("softAttrsLabel", _rowColumn);
+  buildSoftwareAttributes();
+  buildHardwareAttributes();
 
+  _attrsSpringBox = createManagedSpringBox("attrsSpringBox", _baseWidget,
+                                           {{OvNrow, 1}, {OvNresizeVertical, False}});
+  _attrsClearPushButton =
+      createManaged("attrsClearPushButton", xmPushButtonWidgetClass, _attrsSpringBox);
+  _attrsSpringBox1 = createManagedSpringBox("attrsSpringBox1", _baseWidget,
+                                            {{OvNrow, 2}, {OvNresizeVertical, False}});
+  _attrsAssignArrowButton =
+      createManagedArrow("attrsAssignArrowButton", _attrsSpringBox1, XmARROW_RIGHT);
+  _attrsAssignLabel = createManaged("attrsAssignLabel", xmLabelWidgetClass, _attrsSpringBox1);
+
+  using Self = FileListAttrsUI;
+  addRoutes(this, {
+      {_attrsConfigToggleButton, XmNvalueChangedCallback, route<&Self::attrsConfigToggleButton>},
+      {_attrsPreOpText, XmNvalueChangedCallback, route<&Self::attrsPreOpText>},
+      {_attrsPostOpText, XmNvalueChangedCallback, route<&Self::attrsPostOpText>},
+      {_attrsExitOpText, XmNvalueChangedCallback, route<&Self::attrsExitOpText>},
+      {_attrsRemoveOpText, XmNvalueChangedCallback, route<&Self::attrsRemoveOpText>},
+      {_r3kPushButton, XmNactivateCallback, route<&Self::r3kPushButton>},
+      {_r4kPushButton, XmNactivateCallback, route<&Self::r4kPushButton>},
+      {_r8kPushButton, XmNactivateCallback, route<&Self::r8kPushButton>},
+      {_r10kPushButton, XmNactivateCallback, route<&Self::r10kPushButton>},
+      {_attrsClearPushButton, XmNactivateCallback, route<&Self::attrsClearPushButton>},
+      {_attrsAssignArrowButton, XmNactivateCallback, route<&Self::attrsAssignArrowButton>},
+  });
+}
+
+void FileListAttrsUI::buildSoftwareAttributes() {
+  _softAttrsLabel = leftLabel("softAttrsLabel", _rowColumn);
   _attrsConfigGrid = attributeRow("attrsConfigGrid", "attrsConfigToggleButton", _rowColumn,
                                   &_attrsConfigToggleButton);
-  XtAddCallback(_attrsConfigToggleButton, XmNvalueChangedCallback,
-                &FileListAttrsUI::attrsConfigToggleButtonCallback, this);
   _pulldownMenu = XmCreatePulldownMenu(_attrsConfigGrid, const_cast<char*>("pulldownMenu"),
                                        nullptr, 0);
   _configUpdatePushButton =
@@ -132,9 +163,11 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
       createManaged("configNoUpdatePushButton", xmPushButtonWidgetClass, _pulldownMenu);
   _configSuggestPushButton =
       createManaged("configSuggestPushButton", xmPushButtonWidgetClass, _pulldownMenu);
+  // Before the option menu takes the pulldown, so that whatever the option
+  // menu adds to its choices runs after the panel's callback.
   for (Widget choice :
        {_configUpdatePushButton, _configNoUpdatePushButton, _configSuggestPushButton})
-    XtAddCallback(choice, XmNactivateCallback, &FileListAttrsUI::attrsConfigOptionMenuCallback,
+    XtAddCallback(choice, XmNactivateCallback, route<&FileListAttrsUI::attrsConfigOptionMenu>,
                   this);
   Arg args[3];
   XtSetArg(args[0], XmNsubMenuId, _pulldownMenu);
@@ -144,39 +177,44 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
       XmCreateOptionMenu(_attrsConfigGrid, const_cast<char*>("attrsConfigOptionMenu"), args, 3);
   XtManageChild(_attrsConfigOptionMenu);
 
-  _attrsShadowGrid = attributeRow("attrsShadowGrid", "attrsShadowToggleButton", _rowColumn,
-                                  &_attrsShadowToggleButton);
-  _attrsPreOpGrid = attributeRow("attrsPreOpGrid", "attrsPreOpToggleButton", _rowColumn,
-                                 &_attrsPreOpToggleButton, 2);
-  _attrsPreOpText = commandText("attrsPreOpText", _attrsPreOpGrid);
-  _attrsPostOpGrid = attributeRow("attrsPostOpGrid", "attrsPostOpToggleButton", _rowColumn,
-                                  &_attrsPostOpToggleButton, 2);
-  _attrsPostOpText = commandText("attrsPostOpText", _attrsPostOpGrid);
-  _attrsExitOpGrid = attributeRow("attrsExitOpGrid", "attrsExitOpToggleButton", _rowColumn,
-                                  &_attrsExitOpToggleButton, 2);
-  _attrsExitOpText = commandText("attrsExitOpText", _attrsExitOpGrid);
-  _attrsRemoveOpGrid = attributeRow("attrsRemoveOpGrid", "attrsRemoveOpToggleButton", _rowColumn,
-                                    &_attrsRemoveOpToggleButton, 2);
-  _attrsRemoveOpText = commandText("attrsRemoveOpText", _attrsRemoveOpGrid);
-  _attrsNoShareGrid = attributeRow("attrsNoShareGrid", "attrsNoShareToggleButton", _rowColumn,
-                                   &_attrsNoShareToggleButton);
-  _attrsNoStripGrid = attributeRow("attrsNoStripGrid", "attrsNoStripToggleButton", _rowColumn,
-                                   &_attrsNoStripToggleButton);
-  _attrsNoRqsGrid = attributeRow("attrsNoRqsGrid", "attrsNoRqsToggleButton", _rowColumn,
-                                 &_attrsNoRqsToggleButton);
-  _attrsStripDSOGrid = attributeRow("attrsStripDSOGrid", "attrsStripDSOToggleButton", _rowColumn,
-                                    &_attrsStripDSOToggleButton);
+  // The other attributes, one row each in this order; the operations have
+  // a command text under their toggle.
+  using Self = FileListAttrsUI;
   const struct {
-    Widget text;
-    XtCallbackProc callback;
-  } texts[] = {
-      {_attrsPreOpText, &FileListAttrsUI::attrsPreOpTextCallback},
-      {_attrsPostOpText, &FileListAttrsUI::attrsPostOpTextCallback},
-      {_attrsExitOpText, &FileListAttrsUI::attrsExitOpTextCallback},
-      {_attrsRemoveOpText, &FileListAttrsUI::attrsRemoveOpTextCallback},
+    const char* grid;
+    const char* toggle;
+    const char* text;  // null: a toggle alone
+    Widget Self::*gridWidget;
+    Widget Self::*toggleWidget;
+    Widget Self::*textWidget;
+  } rows[] = {
+      {"attrsShadowGrid", "attrsShadowToggleButton", nullptr, &Self::_attrsShadowGrid,
+       &Self::_attrsShadowToggleButton, nullptr},
+      {"attrsPreOpGrid", "attrsPreOpToggleButton", "attrsPreOpText", &Self::_attrsPreOpGrid,
+       &Self::_attrsPreOpToggleButton, &Self::_attrsPreOpText},
+      {"attrsPostOpGrid", "attrsPostOpToggleButton", "attrsPostOpText", &Self::_attrsPostOpGrid,
+       &Self::_attrsPostOpToggleButton, &Self::_attrsPostOpText},
+      {"attrsExitOpGrid", "attrsExitOpToggleButton", "attrsExitOpText", &Self::_attrsExitOpGrid,
+       &Self::_attrsExitOpToggleButton, &Self::_attrsExitOpText},
+      {"attrsRemoveOpGrid", "attrsRemoveOpToggleButton", "attrsRemoveOpText",
+       &Self::_attrsRemoveOpGrid, &Self::_attrsRemoveOpToggleButton, &Self::_attrsRemoveOpText},
+      {"attrsNoShareGrid", "attrsNoShareToggleButton", nullptr, &Self::_attrsNoShareGrid,
+       &Self::_attrsNoShareToggleButton, nullptr},
+      {"attrsNoStripGrid", "attrsNoStripToggleButton", nullptr, &Self::_attrsNoStripGrid,
+       &Self::_attrsNoStripToggleButton, nullptr},
+      {"attrsNoRqsGrid", "attrsNoRqsToggleButton", nullptr, &Self::_attrsNoRqsGrid,
+       &Self::_attrsNoRqsToggleButton, nullptr},
+      {"attrsStripDSOGrid", "attrsStripDSOToggleButton", nullptr, &Self::_attrsStripDSOGrid,
+       &Self::_attrsStripDSOToggleButton, nullptr},
   };
-  for (const auto& t : texts) XtAddCallback(t.text, XmNvalueChangedCallback, t.callback, this);
+  for (const auto& row : rows) {
+    this->*row.gridWidget = attributeRow(row.grid, row.toggle, _rowColumn,
+                                         &(this->*row.toggleWidget), row.text ? 2 : 1);
+    if (row.text) this->*row.textWidget = commandText(row.text, this->*row.gridWidget);
+  }
+}
 
+void FileListAttrsUI::buildHardwareAttributes() {
   _hardAttrsLabel = leftLabel("hardAttrsLabel", _rowColumn);
   _hardWarnLabel = leftLabel("hardWarnLabel", _rowColumn);
   _attrsMachGrid = createManagedGrid("attrsMachGrid", _rowColumn, 2, 1);
@@ -199,30 +237,6 @@ FileListAttrsUI::FileListAttrsUI(const char* name, Widget parent) : YrComponent(
   _attrsGfxBoardRowColumn = toggleGroup("attrsGfxBoardRowColumn", _attrsMachRowColumn, 4);
   _attrsSubgrLabel = leftLabel("attrsSubgrLabel", _attrsMachRowColumn);
   _attrsSubgrRowColumn = toggleGroup("attrsSubgrRowColumn", _attrsMachRowColumn, 4);
-
-  _attrsSpringBox = createManagedSpringBox("attrsSpringBox", _baseWidget,
-                                           {{OvNrow, 1}, {OvNresizeVertical, False}});
-  _attrsClearPushButton =
-      createManaged("attrsClearPushButton", xmPushButtonWidgetClass, _attrsSpringBox);
-  _attrsSpringBox1 = createManagedSpringBox("attrsSpringBox1", _baseWidget,
-                                            {{OvNrow, 2}, {OvNresizeVertical, False}});
-  _attrsAssignArrowButton = createManaged(
-      "attrsAssignArrowButton", xmArrowButtonWidgetClass, _attrsSpringBox1,
-      {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40}, {XmNheight, 30}});
-  _attrsAssignLabel = createManaged("attrsAssignLabel", xmLabelWidgetClass, _attrsSpringBox1);
-
-  const struct {
-    Widget button;
-    XtCallbackProc callback;
-  } buttons[] = {
-      {_r3kPushButton, &FileListAttrsUI::r3kPushButtonCallback},
-      {_r4kPushButton, &FileListAttrsUI::r4kPushButtonCallback},
-      {_r8kPushButton, &FileListAttrsUI::r8kPushButtonCallback},
-      {_r10kPushButton, &FileListAttrsUI::r10kPushButtonCallback},
-      {_attrsClearPushButton, &FileListAttrsUI::attrsClearPushButtonCallback},
-      {_attrsAssignArrowButton, &FileListAttrsUI::attrsAssignArrowButtonCallback},
-  };
-  for (const auto& b : buttons) XtAddCallback(b.button, XmNactivateCallback, b.callback, this);
 }
 
 const char* FileListAttrsUI::className() const { return "FileListAttrsUI"; }
@@ -249,51 +263,3 @@ void FileListAttrsUI::r3kPushButton(Widget, XtPointer) {}
 void FileListAttrsUI::r4kPushButton(Widget, XtPointer) {}
 void FileListAttrsUI::r8kPushButton(Widget, XtPointer) {}
 void FileListAttrsUI::r10kPushButton(Widget, XtPointer) {}
-
-void FileListAttrsUI::attrsAssignArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsAssignArrowButton(w, callData);
-}
-
-void FileListAttrsUI::attrsConfigOptionMenuCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsConfigOptionMenu(w, callData);
-}
-
-void FileListAttrsUI::attrsConfigToggleButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsConfigToggleButton(w, callData);
-}
-
-void FileListAttrsUI::attrsExitOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsExitOpText(w, callData);
-}
-
-void FileListAttrsUI::attrsRemoveOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsRemoveOpText(w, callData);
-}
-
-void FileListAttrsUI::attrsPostOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsPostOpText(w, callData);
-}
-
-void FileListAttrsUI::attrsPreOpTextCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsPreOpText(w, callData);
-}
-
-void FileListAttrsUI::attrsClearPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->attrsClearPushButton(w, callData);
-}
-
-void FileListAttrsUI::r3kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->r3kPushButton(w, callData);
-}
-
-void FileListAttrsUI::r4kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->r4kPushButton(w, callData);
-}
-
-void FileListAttrsUI::r8kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->r8kPushButton(w, callData);
-}
-
-void FileListAttrsUI::r10kPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListAttrsUI*>(clientData)->r10kPushButton(w, callData);
-}

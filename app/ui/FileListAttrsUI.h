@@ -91,19 +91,9 @@ class FileListAttrsUI : public YrComponent {
   Widget _attrsAssignLabel = nullptr;
 
  private:
+  void buildSoftwareAttributes();
+  void buildHardwareAttributes();
   static void clipResized(Widget, XtPointer clientData, XEvent* event, Boolean*);
-  static void attrsAssignArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsConfigOptionMenuCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsConfigToggleButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsExitOpTextCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsRemoveOpTextCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsPostOpTextCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsPreOpTextCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void attrsClearPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void r3kPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void r4kPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void r8kPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void r10kPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

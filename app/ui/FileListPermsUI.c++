@@ -11,6 +11,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (FileListPermsUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<FileListPermsUI, method>;
+
 const char* const FileListPermsUI::_defaultFileListPermsUIResources[] = {
     "*sourceRootLabel.labelString:  Source Tree Root",
     "*destRootLabel.labelString:  Destination Tree Root",
@@ -42,9 +46,26 @@ Widget cellField(const char* name, Widget grid, int row, int column, int columns
                         {OvNresizeVertical, False}});
 }
 
-Widget arrow(const char* name, Widget parent, unsigned char direction) {
-  return createManaged(name, xmArrowButtonWidgetClass, parent,
-                       {{XmNarrowDirection, direction}, {XmNwidth, 40}, {XmNheight, 30}});
+// A row of a label, its text field and, for mode, owner and group, the
+// label showing the entries' present value.
+struct FieldRow {
+  const char* label;
+  Widget* labelWidget;
+  const char* field;
+  Widget* fieldWidget;
+  int columns;
+  const char* value = nullptr;
+  Widget* valueWidget = nullptr;
+};
+
+void fieldRows(Widget grid, std::initializer_list<FieldRow> rows) {
+  int row = 0;
+  for (const FieldRow& r : rows) {
+    *r.labelWidget = cellLabel(r.label, grid, row, 0);
+    *r.fieldWidget = cellField(r.field, grid, row, 1, r.columns);
+    if (r.value) *r.valueWidget = cellLabel(r.value, grid, row, 2);
+    ++row;
+  }
 }
 
 }  // namespace
@@ -60,12 +81,12 @@ FileListPermsUI::FileListPermsUI(const char* name, Widget parent) : YrComponent(
                                  {{OvNrow, 0}, {OvNresizeVertical, False}});
   _frame = createManaged("frame", xmFrameWidgetClass, _upperGrid, {{OvNrow, 0}});
   _rootGrid = createManagedGrid("rootGrid", _frame, 2, 2);
-  _sourceRootLabel = cellLabel("sourceRootLabel", _rootGrid, 0, 0);
-  _sourceRootTextField = cellField("sourceRootTextField", _rootGrid, 0, 1, 30);
-  _destRootLabel = cellLabel("destRootLabel", _rootGrid, 1, 0);
-  _destRootTextField = cellField("destRootTextField", _rootGrid, 1, 1, 30);
+  fieldRows(_rootGrid,
+            {{"sourceRootLabel", &_sourceRootLabel, "sourceRootTextField", &_sourceRootTextField,
+              30},
+             {"destRootLabel", &_destRootLabel, "destRootTextField", &_destRootTextField, 30}});
   _applySpringBox = createManagedSpringBox("applySpringBox", _upperGrid, {{OvNrow, 1}});
-  _applyArrowButton = arrow("applyArrowButton", _applySpringBox, XmARROW_DOWN);
+  _applyArrowButton = createManagedArrow("applyArrowButton", _applySpringBox, XmARROW_DOWN);
   _applyLabel = createManaged("applyLabel", xmLabelWidgetClass, _applySpringBox);
 
   // The values assigned to the selected entries.
@@ -74,46 +95,39 @@ FileListPermsUI::FileListPermsUI(const char* name, Widget parent) : YrComponent(
                                   {{OvNrow, 0}, {OvNresizeVertical, False}});
   _permsDestGrid = createManagedGrid("permsDestGrid", _permsDestFrame, 3, 1);
   _permsGrid = createManagedGrid("permsGrid", _permsDestGrid, 3, 3, {{OvNrow, 0}});
-  _modeLabel = cellLabel("modeLabel", _permsGrid, 0, 0);
-  _modeTextField = cellField("modeTextField", _permsGrid, 0, 1, 12);
-  _modeLabel1 = cellLabel("modeLabel1", _permsGrid, 0, 2);
-  _ownerLabel = cellLabel("ownerLabel", _permsGrid, 1, 0);
-  _ownerTextField = cellField("ownerTextField", _permsGrid, 1, 1, 12);
-  _ownerLabel1 = cellLabel("ownerLabel1", _permsGrid, 1, 2);
-  _groupLabel = cellLabel("groupLabel", _permsGrid, 2, 0);
-  _groupTextField = cellField("groupTextField", _permsGrid, 2, 1, 12);
-  _groupLabel1 = cellLabel("groupLabel1", _permsGrid, 2, 2);
+  fieldRows(_permsGrid,
+            {{"modeLabel", &_modeLabel, "modeTextField", &_modeTextField, 12, "modeLabel1",
+              &_modeLabel1},
+             {"ownerLabel", &_ownerLabel, "ownerTextField", &_ownerTextField, 12, "ownerLabel1",
+              &_ownerLabel1},
+             {"groupLabel", &_groupLabel, "groupTextField", &_groupTextField, 12, "groupLabel1",
+              &_groupLabel1}});
   _permsDestSeparator = createManaged("permsDestSeparator", xmSeparatorWidgetClass,
                                       _permsDestGrid, {{OvNrow, 1}, {OvNresizeVertical, False}});
   _destGrid = createManagedGrid("destGrid", _permsDestGrid, 2, 2, {{OvNrow, 2}});
-  _destDirLabel = cellLabel("destDirLabel", _destGrid, 0, 0);
-  _destDirTextField = cellField("destDirTextField", _destGrid, 0, 1, 30);
-  _destFileLabel = cellLabel("destFileLabel", _destGrid, 1, 0);
-  _destFileTextField = cellField("destFileTextField", _destGrid, 1, 1, 30);
+  fieldRows(_destGrid,
+            {{"destDirLabel", &_destDirLabel, "destDirTextField", &_destDirTextField, 30},
+             {"destFileLabel", &_destFileLabel, "destFileTextField", &_destFileTextField, 30}});
   _assignSpringBox = createManagedSpringBox("assignSpringBox", _lowerGrid,
                                             {{OvNrow, 1}, {OvNresizeVertical, False}});
-  _assignArrowButton = arrow("assignArrowButton", _assignSpringBox, XmARROW_RIGHT);
+  _assignArrowButton = createManagedArrow("assignArrowButton", _assignSpringBox, XmARROW_RIGHT);
   _assignLabel = createManaged("assignLabel", xmLabelWidgetClass, _assignSpringBox);
   _resetSpringBox = createManagedSpringBox("resetSpringBox", _lowerGrid,
                                            {{OvNrow, 2}, {OvNresizeVertical, False}});
   _resetPushButton = createManaged("resetPushButton", xmPushButtonWidgetClass, _resetSpringBox);
 
-  const struct {
-    Widget widget;
-    XtCallbackProc callback;
-  } routes[] = {
-      {_sourceRootTextField, &FileListPermsUI::sourceRootTextFieldCallback},
-      {_destRootTextField, &FileListPermsUI::destRootTextFieldCallback},
-      {_applyArrowButton, &FileListPermsUI::applyArrowButtonCallback},
-      {_modeTextField, &FileListPermsUI::modeTextFieldCallback},
-      {_ownerTextField, &FileListPermsUI::ownerTextFieldCallback},
-      {_groupTextField, &FileListPermsUI::groupTextFieldCallback},
-      {_destDirTextField, &FileListPermsUI::destDirTextFieldCallback},
-      {_destFileTextField, &FileListPermsUI::destFileTextFieldCallback},
-      {_assignArrowButton, &FileListPermsUI::assignArrowButtonCallback},
-      {_resetPushButton, &FileListPermsUI::resetPushButtonCallback},
-  };
-  for (const auto& r : routes) XtAddCallback(r.widget, XmNactivateCallback, r.callback, this);
+  addRoutes(this, {
+      {_sourceRootTextField, XmNactivateCallback, route<&FileListPermsUI::sourceRootTextField>},
+      {_destRootTextField, XmNactivateCallback, route<&FileListPermsUI::destRootTextField>},
+      {_applyArrowButton, XmNactivateCallback, route<&FileListPermsUI::applyArrowButton>},
+      {_modeTextField, XmNactivateCallback, route<&FileListPermsUI::modeTextField>},
+      {_ownerTextField, XmNactivateCallback, route<&FileListPermsUI::ownerTextField>},
+      {_groupTextField, XmNactivateCallback, route<&FileListPermsUI::groupTextField>},
+      {_destDirTextField, XmNactivateCallback, route<&FileListPermsUI::destDirTextField>},
+      {_destFileTextField, XmNactivateCallback, route<&FileListPermsUI::destFileTextField>},
+      {_assignArrowButton, XmNactivateCallback, route<&FileListPermsUI::assignArrowButton>},
+      {_resetPushButton, XmNactivateCallback, route<&FileListPermsUI::resetPushButton>},
+  });
 }
 
 const char* FileListPermsUI::className() const { return "FileListPermsUI"; }
@@ -128,43 +142,3 @@ void FileListPermsUI::modeTextField(Widget, XtPointer) {}
 void FileListPermsUI::ownerTextField(Widget, XtPointer) {}
 void FileListPermsUI::resetPushButton(Widget, XtPointer) {}
 void FileListPermsUI::sourceRootTextField(Widget, XtPointer) {}
-
-void FileListPermsUI::applyArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->applyArrowButton(w, callData);
-}
-
-void FileListPermsUI::assignArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->assignArrowButton(w, callData);
-}
-
-void FileListPermsUI::destDirTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->destDirTextField(w, callData);
-}
-
-void FileListPermsUI::destFileTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->destFileTextField(w, callData);
-}
-
-void FileListPermsUI::destRootTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->destRootTextField(w, callData);
-}
-
-void FileListPermsUI::groupTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->groupTextField(w, callData);
-}
-
-void FileListPermsUI::modeTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->modeTextField(w, callData);
-}
-
-void FileListPermsUI::ownerTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->ownerTextField(w, callData);
-}
-
-void FileListPermsUI::resetPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->resetPushButton(w, callData);
-}
-
-void FileListPermsUI::sourceRootTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListPermsUI*>(clientData)->sourceRootTextField(w, callData);
-}

@@ -64,18 +64,6 @@ class FileListPermsUI : public YrComponent {
   Widget _assignLabel = nullptr;
   Widget _resetSpringBox = nullptr;
   Widget _resetPushButton = nullptr;
-
- private:
-  static void applyArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void assignArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void destDirTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void destFileTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void destRootTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void groupTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void modeTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void ownerTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void resetPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void sourceRootTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

@@ -10,6 +10,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (FileListTagsUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<FileListTagsUI, method>;
+
 const char* const FileListTagsUI::_defaultFileListTagsUIResources[] = {
     "*label.labelString:  Tags",
     "*addPushButton.labelString:  Add",
@@ -35,37 +39,31 @@ FileListTagsUI::FileListTagsUI(const char* name, Widget parent) : YrComponent(na
                             {{XmNselectionPolicy, XmBROWSE_SELECT},
                              {XmNvisibleItemCount, 8},
                              {XmNlistSizePolicy, XmCONSTANT}});
-  XtAddCallback(_tagsList, XmNsingleSelectionCallback, &FileListTagsUI::singleSelectionCallback,
-                this);
-  XtAddCallback(_tagsList, XmNbrowseSelectionCallback, &FileListTagsUI::browseSelectionCallback,
-                this);
-  XtAddCallback(_tagsList, XmNdefaultActionCallback, &FileListTagsUI::defaultActionCallback,
-                this);
   _selectionTextField = createManaged("selectionTextField", xmTextFieldWidgetClass, _baseWidget,
                                       {{OvNrow, 2}, {OvNresizeVertical, False}});
-  XtAddCallback(_selectionTextField, XmNactivateCallback,
-                &FileListTagsUI::selectionTextFieldCallback, this);
 
   _buttonSpringBox = createManagedSpringBox("buttonSpringBox", _baseWidget,
                                             {{OvNrow, 3}, {OvNresizeVertical, False}});
   _addPushButton = createManaged("addPushButton", xmPushButtonWidgetClass, _buttonSpringBox);
-  XtAddCallback(_addPushButton, XmNactivateCallback, &FileListTagsUI::addPushButtonCallback,
-                this);
   _replacePushButton =
       createManaged("replacePushButton", xmPushButtonWidgetClass, _buttonSpringBox);
-  XtAddCallback(_replacePushButton, XmNactivateCallback,
-                &FileListTagsUI::replacePushButtonCallback, this);
   _deletePushButton = createManaged("deletePushButton", xmPushButtonWidgetClass, _buttonSpringBox);
-  XtAddCallback(_deletePushButton, XmNactivateCallback, &FileListTagsUI::deletePushButtonCallback,
-                this);
 
   _arrowSpringBox = createManagedSpringBox("arrowSpringBox", _baseWidget,
                                            {{OvNrow, 4}, {OvNresizeVertical, False}});
-  _arrowButton = createManaged("arrowButton", xmArrowButtonWidgetClass, _arrowSpringBox,
-                               {{XmNarrowDirection, XmARROW_RIGHT}, {XmNwidth, 40},
-                                {XmNheight, 30}});
-  XtAddCallback(_arrowButton, XmNactivateCallback, &FileListTagsUI::arrowButtonCallback, this);
+  _arrowButton = createManagedArrow("arrowButton", _arrowSpringBox, XmARROW_RIGHT);
   _arrowLabel = createManaged("arrowLabel", xmLabelWidgetClass, _arrowSpringBox);
+
+  addRoutes(this, {
+      {_tagsList, XmNsingleSelectionCallback, route<&FileListTagsUI::singleSelection>},
+      {_tagsList, XmNbrowseSelectionCallback, route<&FileListTagsUI::browseSelection>},
+      {_tagsList, XmNdefaultActionCallback, route<&FileListTagsUI::defaultAction>},
+      {_selectionTextField, XmNactivateCallback, route<&FileListTagsUI::selectionTextField>},
+      {_addPushButton, XmNactivateCallback, route<&FileListTagsUI::addPushButton>},
+      {_replacePushButton, XmNactivateCallback, route<&FileListTagsUI::replacePushButton>},
+      {_deletePushButton, XmNactivateCallback, route<&FileListTagsUI::deletePushButton>},
+      {_arrowButton, XmNactivateCallback, route<&FileListTagsUI::arrowButton>},
+  });
 }
 
 const char* FileListTagsUI::className() const { return "FileListTagsUI"; }
@@ -78,35 +76,3 @@ void FileListTagsUI::deletePushButton(Widget, XtPointer) {}
 void FileListTagsUI::replacePushButton(Widget, XtPointer) {}
 void FileListTagsUI::selectionTextField(Widget, XtPointer) {}
 void FileListTagsUI::singleSelection(Widget, XtPointer) {}
-
-void FileListTagsUI::addPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->addPushButton(w, callData);
-}
-
-void FileListTagsUI::arrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->arrowButton(w, callData);
-}
-
-void FileListTagsUI::browseSelectionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->browseSelection(w, callData);
-}
-
-void FileListTagsUI::defaultActionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->defaultAction(w, callData);
-}
-
-void FileListTagsUI::deletePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->deletePushButton(w, callData);
-}
-
-void FileListTagsUI::replacePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->replacePushButton(w, callData);
-}
-
-void FileListTagsUI::selectionTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->selectionTextField(w, callData);
-}
-
-void FileListTagsUI::singleSelectionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListTagsUI*>(clientData)->singleSelection(w, callData);
-}

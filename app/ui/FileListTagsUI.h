@@ -38,16 +38,6 @@ class FileListTagsUI : public YrComponent {
   Widget _arrowSpringBox = nullptr;
   Widget _arrowButton = nullptr;
   Widget _arrowLabel = nullptr;
-
- private:
-  static void addPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void arrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void browseSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void defaultActionCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void deletePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void replacePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void selectionTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void singleSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

@@ -1,17 +1,10 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
-#include <Xm/ArrowB.h>
-#include <Xm/Label.h>
-#include <Xm/List.h>
-#include <Xm/PushB.h>
-#include <Xm/ScrolledW.h>
-#include <Xm/TextF.h>
+#include <Xm/Xm.h>
 
 #include "app/ui/FileListTagsUI.h"
 #include "app/ui/LayoutChecks.h"
-#include "ov/OvGrid.h"
-#include "ov/OvSpringBox.h"
 
 namespace {
 
@@ -39,57 +32,29 @@ class FileListTagsUITest : public ::testing::Test {
   Widget _shell = nullptr;
 };
 
-TEST_F(FileListTagsUITest, BuildsTheNamedWidgetsInOrderUnderTheirParents) {
-  FileListTagsUI ui("FileListTags", _shell);
-  EXPECT_STREQ("FileListTagsUI", ui.className());
-  expectWidgetTree(ui.baseWidget(),
-                   {
-                       {"FileListTags", ovGridWidgetClass, "tagsShell"},
-                       {"label", xmLabelWidgetClass, "FileListTags"},
-                       {"scrolledWindow", xmScrolledWindowWidgetClass, "FileListTags"},
-                       {"tagsList", xmListWidgetClass, "scrolledWindow"},
-                       {"selectionTextField", xmTextFieldWidgetClass, "FileListTags"},
-                       {"buttonSpringBox", ovSpringBoxWidgetClass, "FileListTags"},
-                       {"addPushButton", xmPushButtonWidgetClass, "buttonSpringBox"},
-                       {"replacePushButton", xmPushButtonWidgetClass, "buttonSpringBox"},
-                       {"deletePushButton", xmPushButtonWidgetClass, "buttonSpringBox"},
-                       {"arrowSpringBox", ovSpringBoxWidgetClass, "FileListTags"},
-                       {"arrowButton", xmArrowButtonWidgetClass, "arrowSpringBox"},
-                       {"arrowLabel", xmLabelWidgetClass, "arrowSpringBox"},
-                   });
-}
-
-TEST_F(FileListTagsUITest, EveryCallbackReachesItsMethod) {
+TEST_F(FileListTagsUITest, NamesTextsAndCallbacks) {
   RecordingFileListTags ui("FileListTags", _shell);
-  expectCallbacksRouted(ui.baseWidget(),
-                        {
-                            {"tagsList", XmNsingleSelectionCallback, "singleSelection"},
-                            {"tagsList", XmNbrowseSelectionCallback, "browseSelection"},
-                            {"tagsList", XmNdefaultActionCallback, "defaultAction"},
-                            {"selectionTextField", XmNactivateCallback, "selectionTextField"},
-                            {"addPushButton", XmNactivateCallback, "addPushButton"},
-                            {"replacePushButton", XmNactivateCallback, "replacePushButton"},
-                            {"deletePushButton", XmNactivateCallback, "deletePushButton"},
-                            {"arrowButton", XmNactivateCallback, "arrowButton"},
-                        },
-                        ui.log);
-}
+  const char* activate = XmNactivateCallback;
+  expectLayoutContract(
+      ui.baseWidget(), FileListTagsUI::_defaultFileListTagsUIResources,
+      {
+          {"label", "Tags"},
+          {"scrolledWindow.tagsList", nullptr, XmNsingleSelectionCallback, "singleSelection"},
+          {"scrolledWindow.tagsList", nullptr, XmNbrowseSelectionCallback, "browseSelection"},
+          {"scrolledWindow.tagsList", nullptr, XmNdefaultActionCallback, "defaultAction"},
+          {"selectionTextField", nullptr, activate, "selectionTextField"},
+          {"buttonSpringBox.addPushButton", "Add", activate, "addPushButton"},
+          {"buttonSpringBox.replacePushButton", "Replace", activate, "replacePushButton"},
+          {"buttonSpringBox.deletePushButton", "Delete", activate, "deletePushButton"},
+          {"arrowSpringBox.arrowButton", nullptr, activate, "arrowButton"},
+          {"arrowSpringBox.arrowLabel", "Assign"},
+      },
+      ui.log);
 
-TEST_F(FileListTagsUITest, FallbackTextsAndTheUsersOwn) {
-  expectResourceLinesWellFormed(FileListTagsUI::_defaultFileListTagsUIResources);
-  {
-    FileListTagsUI ui("FileListTags", _shell);
-    expectLabelTexts(ui.baseWidget(), {
-                                          {"label", "Tags"},
-                                          {"addPushButton", "Add"},
-                                          {"replacePushButton", "Replace"},
-                                          {"deletePushButton", "Delete"},
-                                          {"arrowLabel", "Assign"},
-                                      });
-  }
+  // A user's resource under the class name wins over the fallback.
   putUserResource(_shell, "Tamblin*userFileListTags*label.labelString: Subsystems");
-  FileListTagsUI ui("userFileListTags", _shell);
-  expectLabelTexts(ui.baseWidget(), {{"label", "Subsystems"}, {"addPushButton", "Add"}});
+  FileListTagsUI user("userFileListTags", _shell);
+  EXPECT_EQ("Subsystems", labelText(findWidget(user.baseWidget(), "label")));
 }
 
 }  // namespace

@@ -9,6 +9,10 @@
 #include "ov/OvGrid.h"
 #include "ov/OvList.h"
 
+// The static callback of each callback method.
+template <void (FileListUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<FileListUI, method>;
+
 const char* const FileListUI::_defaultFileListUIResources[] = {
     "*label.labelString:  Idb File:",
     "*selectionLabel.labelString:  Filter",
@@ -33,11 +37,10 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
       {{OvNrow, 1}, {OvNcolumn, 0}, {XmNwidth, 389}, {XmNheight, 368}});
   // The idb can hold a million records: the list draws only the rows that
   // show and brings its own scroll bars into the scrolled window.
-  _fileList = createManaged("fileList", ovListWidgetClass, _scrolledWindow,
+  _fileListWidget = createManaged("fileList", ovListWidgetClass, _scrolledWindow,
                             {{XmNselectionPolicy, XmEXTENDED_SELECT},
                              {XmNwidth, 371},
                              {XmNheight, 350}});
-  XtAddCallback(_fileList, XmNdefaultActionCallback, &FileListUI::defaultActionCallback, this);
 
   // The filter row keeps its height; the list takes what is left.
   _selectionGrid = createManagedGrid("selectionGrid", _baseWidget, 1, 4,
@@ -49,24 +52,26 @@ FileListUI::FileListUI(const char* name, Widget parent) : YrComponent(name) {
   _selectionTextField = createManaged("selectionTextField", xmTextFieldWidgetClass,
                                       _selectionGrid,
                                       {{OvNcolumn, 1}, {XmNwidth, 389}, {XmNheight, 33}});
-  // The filter runs on Return: on a large idb each run takes a moment, and
-  // typing an expression must not pay it per key.
-  XtAddCallback(_selectionTextField, XmNactivateCallback, &FileListUI::selectionTextFieldCallback,
-                this);
   _allPushButton = createManaged("allPushButton", xmPushButtonWidgetClass, _selectionGrid,
                                  {{OvNcolumn, 2}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_allPushButton, XmNactivateCallback, &FileListUI::allPushButtonCallback, this);
   _nonePushButton = createManaged("nonePushButton", xmPushButtonWidgetClass, _selectionGrid,
                                   {{OvNcolumn, 3}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_nonePushButton, XmNactivateCallback, &FileListUI::nonePushButtonCallback, this);
 
   _springBox = createManagedSpringBox("springBox", _baseWidget,
                                       {{OvNrow, 3}, {OvNcolumn, 0}, {OvNresizeVertical, False}});
   _removePushButton = createManaged("removePushButton", xmPushButtonWidgetClass, _springBox);
-  XtAddCallback(_removePushButton, XmNactivateCallback, &FileListUI::removePushButtonCallback,
-                this);
   _undoPushButton = createManaged("undoPushButton", xmPushButtonWidgetClass, _springBox);
-  XtAddCallback(_undoPushButton, XmNactivateCallback, &FileListUI::undoPushButtonCallback, this);
+
+  addRoutes(this, {
+      {_fileListWidget, XmNdefaultActionCallback, route<&FileListUI::defaultAction>},
+      // The filter runs on Return: on a large idb each run takes a moment,
+      // and typing an expression must not pay it per key.
+      {_selectionTextField, XmNactivateCallback, route<&FileListUI::selectionTextField>},
+      {_allPushButton, XmNactivateCallback, route<&FileListUI::allPushButton>},
+      {_nonePushButton, XmNactivateCallback, route<&FileListUI::nonePushButton>},
+      {_removePushButton, XmNactivateCallback, route<&FileListUI::removePushButton>},
+      {_undoPushButton, XmNactivateCallback, route<&FileListUI::undoPushButton>},
+  });
 }
 
 const char* FileListUI::className() const { return "FileListUI"; }
@@ -77,27 +82,3 @@ void FileListUI::nonePushButton(Widget, XtPointer) {}
 void FileListUI::removePushButton(Widget, XtPointer) {}
 void FileListUI::selectionTextField(Widget, XtPointer) {}
 void FileListUI::undoPushButton(Widget, XtPointer) {}
-
-void FileListUI::allPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->allPushButton(w, callData);
-}
-
-void FileListUI::defaultActionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->defaultAction(w, callData);
-}
-
-void FileListUI::nonePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->nonePushButton(w, callData);
-}
-
-void FileListUI::removePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->removePushButton(w, callData);
-}
-
-void FileListUI::selectionTextFieldCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->selectionTextField(w, callData);
-}
-
-void FileListUI::undoPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<FileListUI*>(clientData)->undoPushButton(w, callData);
-}

@@ -27,7 +27,7 @@ class FileListUI : public YrComponent {
 
   Widget _label = nullptr;
   Widget _scrolledWindow = nullptr;
-  Widget _fileList = nullptr;
+  Widget _fileListWidget = nullptr;
   Widget _selectionGrid = nullptr;
   Widget _selectionLabel = nullptr;
   Widget _selectionTextField = nullptr;
@@ -36,14 +36,6 @@ class FileListUI : public YrComponent {
   Widget _springBox = nullptr;
   Widget _removePushButton = nullptr;
   Widget _undoPushButton = nullptr;
-
- private:
-  static void allPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void defaultActionCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void nonePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void removePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void selectionTextFieldCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void undoPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

@@ -10,6 +10,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (GenerateUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<GenerateUI, method>;
+
 const char* const GenerateUI::_defaultGenerateUIResources[] = {
     "*label.labelString:  Spec File:",
     "*sourceRootLabel.labelString:  Source Tree Root",
@@ -73,22 +77,16 @@ GenerateUI::GenerateUI(const char* name, Widget parent) : YrComponent(name) {
       createManagedGrid("buttonGrid", _baseWidget, 1, 2, {{OvNrow, 5}, {OvNresizeVertical, False}});
   _allPushButton = createManaged("allPushButton", xmPushButtonWidgetClass, _buttonGrid,
                                  {{OvNcolumn, 0}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_allPushButton, XmNactivateCallback, &GenerateUI::allPushButtonCallback, this);
   _dryrunPushButton = createManaged("dryrunPushButton", xmPushButtonWidgetClass, _buttonGrid,
                                     {{OvNcolumn, 1}, {OvNresizeHorizontal, False}});
-  XtAddCallback(_dryrunPushButton, XmNactivateCallback, &GenerateUI::dryrunPushButtonCallback,
-                this);
+
+  addRoutes(this, {
+      {_allPushButton, XmNactivateCallback, route<&GenerateUI::allPushButton>},
+      {_dryrunPushButton, XmNactivateCallback, route<&GenerateUI::dryrunPushButton>},
+  });
 }
 
 const char* GenerateUI::className() const { return "GenerateUI"; }
 
 void GenerateUI::allPushButton(Widget, XtPointer) {}
 void GenerateUI::dryrunPushButton(Widget, XtPointer) {}
-
-void GenerateUI::allPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<GenerateUI*>(clientData)->allPushButton(w, callData);
-}
-
-void GenerateUI::dryrunPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<GenerateUI*>(clientData)->dryrunPushButton(w, callData);
-}

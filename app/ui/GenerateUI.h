@@ -39,10 +39,6 @@ class GenerateUI : public YrComponent {
   Widget _buttonGrid = nullptr;
   Widget _allPushButton = nullptr;
   Widget _dryrunPushButton = nullptr;
-
- private:
-  static void allPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void dryrunPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

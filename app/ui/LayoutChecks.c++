@@ -9,7 +9,6 @@
 
 #include <cstring>
 #include <functional>
-#include <map>
 #include <regex>
 
 #include "util/UiTestApp.h"
@@ -26,17 +25,6 @@ void visit(Widget w, const std::function<void(Widget)>& f) {
   }
 }
 
-std::vector<Widget> childrenOf(Widget w) {
-  std::vector<Widget> out;
-  if (XtIsWidget(w))
-    for (Cardinal i = 0; i < w->core.num_popups; ++i) out.push_back(w->core.popup_list[i]);
-  if (XtIsComposite(w)) {
-    CompositeWidget c = reinterpret_cast<CompositeWidget>(w);
-    for (Cardinal i = 0; i < c->composite.num_children; ++i) out.push_back(c->composite.children[i]);
-  }
-  return out;
-}
-
 }  // namespace
 
 Widget findWidget(Widget base, const char* name, const char* parent) {
@@ -47,32 +35,6 @@ Widget findWidget(Widget base, const char* name, const char* parent) {
     found = w;
   });
   return found;
-}
-
-void expectWidgetTree(Widget base, const std::vector<ExpectedWidget>& expected) {
-  std::map<Widget, std::vector<std::string>> expectedOrder;
-  for (const ExpectedWidget& e : expected) {
-    Widget w = findWidget(base, e.name, e.parent);
-    if (!w) {
-      Widget elsewhere = findWidget(base, e.name);
-      ADD_FAILURE() << e.name << " is not under " << e.parent << " but under "
-                    << (elsewhere ? XtName(XtParent(elsewhere)) : "nothing");
-      continue;
-    }
-    EXPECT_EQ(e.widgetClass, XtClass(w))
-        << e.name << " is a " << XtClass(w)->core_class.class_name << ", expected "
-        << e.widgetClass->core_class.class_name;
-    EXPECT_TRUE(XtIsManaged(w) || w == base || XtIsShell(w) || XtIsShell(XtParent(w)))
-        << e.name << " is not managed";
-    if (w != base) expectedOrder[XtParent(w)].push_back(e.name);
-  }
-  for (const auto& [parent, names] : expectedOrder) {
-    std::vector<std::string> actual;
-    for (Widget child : childrenOf(parent))
-      for (const std::string& n : names)
-        if (n == XtName(child)) actual.push_back(n);
-    EXPECT_EQ(names, actual) << "children of " << XtName(parent);
-  }
 }
 
 std::string labelText(Widget w) {
@@ -97,31 +59,80 @@ std::string labelText(Widget w) {
   return out;
 }
 
-void expectLabelTexts(Widget base, const std::vector<ExpectedText>& expected) {
-  for (const ExpectedText& e : expected) {
-    Widget w = findWidget(base, e.widget);
-    EXPECT_NE(nullptr, w) << e.widget;
-    if (w) {
-      EXPECT_EQ(e.text, labelText(w)) << e.widget;
+namespace {
+
+void expectRouted(Widget w, const LayoutContract& c, CallLog& log) {
+  log.calls.clear();
+  XmAnyCallbackStruct data{};
+  data.reason = XmCR_ACTIVATE;
+  XtCallCallbacks(w, c.callbackList, &data);
+  ASSERT_EQ(1u, log.calls.size()) << c.widget << " " << c.callbackList;
+  EXPECT_EQ(c.method, log.calls[0].method) << c.widget << " " << c.callbackList;
+  EXPECT_EQ(w, log.calls[0].widget) << c.widget;
+  EXPECT_EQ(static_cast<XtPointer>(&data), log.calls[0].callData) << c.widget;
+}
+
+// The widget's names from below base (or from below its popup shell) down
+// to it, joined by dots: the tail of its help key.
+std::string pathBelow(Widget base, Widget w) {
+  std::string path;
+  for (; w && w != base && !XtIsShell(w); w = XtParent(w))
+    path = path.empty() ? std::string(XtName(w)) : XtName(w) + ("." + path);
+  return path;
+}
+
+void expectFallbacksWellFormed(Widget base, const char* const* fallbacks) {
+  static const std::regex line(R"(\*[A-Za-z0-9]+\.[A-Za-z]+:  \S.*|\*[A-Za-z]+:  \S.*|.*:   )");
+  static const std::regex widgetResource(R"(\*([A-Za-z0-9]+)\..*)");
+  int n = 0;
+  for (; fallbacks[n]; ++n) {
+    EXPECT_TRUE(std::regex_match(fallbacks[n], line)) << "'" << fallbacks[n] << "'";
+    std::cmatch m;
+    if (std::regex_match(fallbacks[n], m, widgetResource)) {
+      EXPECT_NE(nullptr, findWidget(base, m[1].str().c_str()))
+          << "no widget for '" << fallbacks[n] << "'";
     }
+  }
+  EXPECT_GT(n, 0);
+}
+
+}  // namespace
+
+void expectLayoutContract(Widget base, const char* const* fallbacks,
+                          const std::vector<LayoutContract>& table, CallLog& log) {
+  if (fallbacks) expectFallbacksWellFormed(base, fallbacks);
+  for (const LayoutContract& c : table) {
+    const char* dot = std::strrchr(c.widget, '.');
+    Widget w = findWidget(base, dot ? dot + 1 : c.widget);
+    EXPECT_NE(nullptr, w) << c.widget;
+    if (!w) continue;
+    EXPECT_EQ(c.widget, pathBelow(base, w));
+    if (c.text) {
+      EXPECT_EQ(c.text, labelText(w)) << c.widget;
+    }
+    if (c.callbackList) expectRouted(w, c, log);
   }
 }
 
-void expectCallbacksRouted(Widget base, const std::vector<ExpectedRoute>& routes, CallLog& log) {
-  for (const ExpectedRoute& r : routes) {
-    Widget w = findWidget(base, r.widget);
-    EXPECT_NE(nullptr, w) << r.widget;
-    if (!w) continue;
-    log.calls.clear();
-    XmAnyCallbackStruct data{};
-    data.reason = XmCR_ACTIVATE;
-    XtCallCallbacks(w, r.callbackName, &data);
-    EXPECT_EQ(1u, log.calls.size()) << r.widget << " " << r.callbackName;
-    if (log.calls.empty()) continue;
-    EXPECT_EQ(r.method, log.calls[0].method) << r.widget << " " << r.callbackName;
-    EXPECT_EQ(w, log.calls[0].widget) << r.widget;
-    EXPECT_EQ(static_cast<XtPointer>(&data), log.calls[0].callData) << r.widget;
-  }
+int heightOf(Widget w) {
+  Dimension h = 0;
+  XtVaGetValues(w, XmNheight, &h, nullptr);
+  return h;
+}
+
+void expectExtraHeightGoesTo(Widget base, const char* grower, const std::vector<const char*>& fixed,
+                             int extra) {
+  std::vector<int> before;
+  for (const char* name : fixed) before.push_back(heightOf(findWidget(base, name)));
+  Widget growing = findWidget(base, grower);
+  int growerBefore = heightOf(growing);
+  Dimension width = 0, height = 0;
+  XtVaGetValues(base, XmNwidth, &width, XmNheight, &height, nullptr);
+  XtResizeWidget(base, width, height + extra, 0);
+  UiTestApp::flush();
+  EXPECT_EQ(growerBefore + extra, heightOf(growing)) << grower;
+  for (size_t i = 0; i < fixed.size(); ++i)
+    EXPECT_EQ(before[i], heightOf(findWidget(base, fixed[i]))) << fixed[i];
 }
 
 void putUserResource(Widget anyWidget, const char* line) {
@@ -132,12 +143,4 @@ void putUserResource(Widget anyWidget, const char* line) {
 Widget newApplicationShell(const char* name) {
   return XtVaAppCreateShell(name, "Tamblin", applicationShellWidgetClass, UiTestApp::display(),
                             XmNallowShellResize, True, nullptr);
-}
-
-void expectResourceLinesWellFormed(const char* const* table) {
-  ASSERT_NE(nullptr, table);
-  static const std::regex line(R"(\*[A-Za-z0-9]+\.[A-Za-z]+:  \S.*|\*[A-Za-z]+:  \S.*|.*:   )");
-  int n = 0;
-  for (; table[n]; ++n) EXPECT_TRUE(std::regex_match(table[n], line)) << "'" << table[n] << "'";
-  EXPECT_GT(n, 0);
 }

@@ -1,5 +1,6 @@
-// Checks shared by the tests of the layout classes: the widget tree, the
-// texts the fallback resources give, and the routing of callbacks.
+// Checks shared by the tests of the layout classes: the widgets others rely
+// on by name, the texts the fallback resources give, and the routing of
+// callbacks.
 #ifndef TAMBLIN_APP_UI_LAYOUTCHECKS_H
 #define TAMBLIN_APP_UI_LAYOUTCHECKS_H
 
@@ -8,34 +9,12 @@
 #include <string>
 #include <vector>
 
-struct ExpectedWidget {
-  const char* name;
-  WidgetClass widgetClass;
-  const char* parent;  // the parent's name
-};
-
-/// Every expected widget exists below base (base included, popups too)
-/// under a parent of the given name and with the given class, and children
-/// of one parent stand in the order listed (other children, such as the
-/// scroll bars Motif adds, are skipped).
-void expectWidgetTree(Widget base, const std::vector<ExpectedWidget>& expected);
-
 /// The widget named name below base (whose parent is named parent when that
 /// is given); null if there is none.
 Widget findWidget(Widget base, const char* name, const char* parent = nullptr);
 
 /// The text of a label, button or toggle.
 std::string labelText(Widget w);
-
-struct ExpectedText {
-  const char* widget;
-  const char* text;
-};
-void expectLabelTexts(Widget base, const std::vector<ExpectedText>& expected);
-
-/// Every line of a fallback table reads "*widget.resource:  value": an
-/// asterisk, the widget name, a dot, the resource, a colon and two blanks.
-void expectResourceLinesWellFormed(const char* const* table);
 
 /// What a test subclass records from its overridden callback methods.
 struct CallLog {
@@ -48,15 +27,35 @@ struct CallLog {
   void add(const char* method, Widget w, XtPointer callData) { calls.push_back({method, w, callData}); }
 };
 
-struct ExpectedRoute {
-  const char* widget;
-  const char* callbackName;  // XmNactivateCallback and so on
-  const char* method;
+/// One widget of a layout that something else relies on: its names from
+/// below the layout's base down to it (the fallback resources and the
+/// users' name it; the help key is that path; a popup's starts below its
+/// shell), the text its fallback resource gives, and the callback the panel
+/// hooks.
+struct LayoutContract {
+  const char* widget;  // "buttonGrid.allPushButton"
+  const char* text = nullptr;          // null: not a labelled widget
+  const char* callbackList = nullptr;  // XmNactivateCallback and so on; null: none
+  const char* method = nullptr;        // the callback method it reaches
 };
 
-/// Calls each widget's callback list and expects exactly one call of the
-/// method, with that widget and the call data passed through.
-void expectCallbacksRouted(Widget base, const std::vector<ExpectedRoute>& routes, CallLog& log);
+/// Every widget of the table stands at its path below base and shows its
+/// text; calling its callback list calls the method exactly once, with that
+/// widget and the call data passed through.  Every line of the fallback
+/// table reads "*widget.resource:  value" (an asterisk, the widget name, a
+/// dot, the resource, a colon and two blanks) and names a widget below base
+/// (fallbacks null: the layout has none of its own).
+void expectLayoutContract(Widget base, const char* const* fallbacks,
+                          const std::vector<LayoutContract>& table, CallLog& log);
+
+/// The height of w in pixels.
+int heightOf(Widget w);
+
+/// Makes the realized base extra pixels taller and expects the widget named
+/// grower to take them all and the widgets named in fixed to keep their
+/// heights.
+void expectExtraHeightGoesTo(Widget base, const char* grower, const std::vector<const char*>& fixed,
+                             int extra);
 
 /// A shell like the program's own: an application shell of class
 /// "Tamblin", so that resources given for the class reach its widgets.

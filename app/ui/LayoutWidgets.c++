@@ -1,5 +1,6 @@
 #include "app/ui/LayoutWidgets.h"
 
+#include <Xm/ArrowB.h>
 #include <Xm/ScrolledW.h>
 
 #include <vector>
@@ -30,6 +31,11 @@ Widget createManaged(const char* name, WidgetClass widgetClass, Widget parent, L
 Widget createManagedGrid(const char* name, Widget parent, int rows, int columns, LayoutArgs args) {
   return create(name, ovGridWidgetClass, parent,
                 toArgs(args, {{OvNnumRows, rows}, {XmNnumColumns, columns}}));
+}
+
+Widget createManagedArrow(const char* name, Widget parent, unsigned char direction) {
+  return create(name, xmArrowButtonWidgetClass, parent,
+                toArgs({{XmNarrowDirection, direction}, {XmNwidth, 40}, {XmNheight, 30}}));
 }
 
 Widget createManagedSpringBox(const char* name, Widget parent, LayoutArgs args) {

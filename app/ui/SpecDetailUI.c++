@@ -11,9 +11,16 @@
 #include <Xm/TextF.h>
 #include <Xm/ToggleB.h>
 
+#include <initializer_list>
+#include <utility>
+
 #include "app/ui/LayoutFonts.h"
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
+
+// The static callback of each callback method.
+template <void (SpecDetailUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<SpecDetailUI, method>;
 
 const char* const SpecDetailUI::_defaultSpecDetailUIResources[] = {
     "*applyLabel.labelString:  Assign",
@@ -85,6 +92,24 @@ Widget labelledField(const char* gridName, Widget parent, int row, const char* l
   return grid;
 }
 
+// One labelled field of a form: its grid, label and text field.
+struct FieldRow {
+  const char* grid;
+  Widget* gridWidget;
+  const char* label;
+  Widget* labelWidget;
+  const char* field;
+  Widget* fieldWidget;
+};
+
+// The rows from row 0 of parent down, in the order given.
+void labelledFields(Widget parent, std::initializer_list<FieldRow> rows) {
+  int row = 0;
+  for (const FieldRow& r : rows)
+    *r.gridWidget = labelledField(r.grid, parent, row++, r.label, r.labelWidget, r.field,
+                                  r.fieldWidget);
+}
+
 // Sized in pixels: Motif counts columns in the font's widest glyph.
 Widget multiLineText(const char* name, Widget grid, int row, int rows) {
   return createManaged(name, xmTextWidgetClass, grid,
@@ -118,11 +143,7 @@ SpecDetailUI::SpecDetailUI(const char* name, Widget parent) : YrComponent(name) 
 
   _applySpringBox = createManagedSpringBox("applySpringBox", _baseWidget,
                                            {{OvNrow, 0}, {OvNresizeVertical, False}});
-  _applyArrowButton = createManaged("applyArrowButton", xmArrowButtonWidgetClass, _applySpringBox,
-                                    {{XmNarrowDirection, XmARROW_LEFT}, {XmNwidth, 40},
-                                     {XmNheight, 30}});
-  XtAddCallback(_applyArrowButton, XmNactivateCallback, &SpecDetailUI::applyArrowButtonCallback,
-                this);
+  _applyArrowButton = createManagedArrow("applyArrowButton", _applySpringBox, XmARROW_LEFT);
   _applyLabel = createManaged("applyLabel", xmLabelWidgetClass, _applySpringBox);
   _frame = createManaged("frame", xmFrameWidgetClass, _baseWidget, {{OvNrow, 1}});
   _form = createManaged("form", xmFormWidgetClass, _frame);
@@ -136,24 +157,32 @@ SpecDetailUI::SpecDetailUI(const char* name, Widget parent) : YrComponent(name) 
   _noneLabel = createManaged("noneLabel", xmLabelWidgetClass, _noneGrid,
                              {{XmNalignment, XmALIGNMENT_BEGINNING}, {OvNgravity, 1},
                               {OvNresizeVertical, False}});
+
+  addRoutes(this, {
+      {_applyArrowButton, XmNactivateCallback, route<&SpecDetailUI::applyArrowButton>},
+      {_prereqPushButton, XmNactivateCallback, route<&SpecDetailUI::prereqPushButton>},
+      {_incompatPushButton, XmNactivateCallback, route<&SpecDetailUI::incompatPushButton>},
+      {_replacesPushButton, XmNactivateCallback, route<&SpecDetailUI::replacesPushButton>},
+      {_orderList, XmNbrowseSelectionCallback, route<&SpecDetailUI::browseSelection>},
+  });
 }
 
 void SpecDetailUI::buildProductForm() {
   _productForm = stackedForm("productForm", _form);
   _productGrid = formGrid("productGrid", _productForm, 3);
-  _nameGrid = labelledField("nameGrid", _productGrid, 0, "productNameLabel", &_productNameLabel,
-                            "productNameTextField", &_productNameTextField);
-  _idGrid = labelledField("idGrid", _productGrid, 1, "productIdLabel", &_productIdLabel,
-                          "productIdTextField", &_productIdTextField);
+  labelledFields(_productGrid, {{"nameGrid", &_nameGrid, "productNameLabel", &_productNameLabel,
+                                 "productNameTextField", &_productNameTextField},
+                                {"idGrid", &_idGrid, "productIdLabel", &_productIdLabel,
+                                 "productIdTextField", &_productIdTextField}});
 }
 
 void SpecDetailUI::buildSubsystemForm() {
   _subsysForm = stackedForm("subsysForm", _form);
   _subsysGrid = formGrid("subsysGrid", _subsysForm, 5);
-  _nameGrid2 = labelledField("nameGrid2", _subsysGrid, 0, "subsysNameLabel", &_subsysNameLabel,
-                             "subsysNameTextField", &_subsysNameTextField);
-  _idGrid2 = labelledField("idGrid2", _subsysGrid, 1, "subsysIdLabel", &_subsysIdLabel,
-                           "subsysIdTextField", &_subsysIdTextField);
+  labelledFields(_subsysGrid, {{"nameGrid2", &_nameGrid2, "subsysNameLabel", &_subsysNameLabel,
+                                "subsysNameTextField", &_subsysNameTextField},
+                               {"idGrid2", &_idGrid2, "subsysIdLabel", &_subsysIdLabel,
+                                "subsysIdTextField", &_subsysIdTextField}});
   _flagsGrid =
       createManagedGrid("flagsGrid", _subsysGrid, 1, 1, {{OvNrow, 2}, {OvNresizeVertical, False}});
   _flagsLabel = fieldLabel("flagsLabel", _flagsGrid);
@@ -170,10 +199,14 @@ void SpecDetailUI::buildSubsystemForm() {
 
   _flagsGrid1 =
       createManagedGrid("flagsGrid1", _subsysGrid, 4, 1, {{OvNrow, 3}, {OvNresizeVertical, False}});
-  _defaultToggleButton = toggle("defaultToggleButton", _flagsGrid1, 0);
-  _requiredToggleButton = toggle("requiredToggleButton", _flagsGrid1, 1);
-  _minirootToggleButton = toggle("minirootToggleButton", _flagsGrid1, 2);
-  _patchToggleButton = toggle("patchToggleButton", _flagsGrid1, 3);
+  const std::pair<const char*, Widget*> flags[] = {
+      {"defaultToggleButton", &_defaultToggleButton},
+      {"requiredToggleButton", &_requiredToggleButton},
+      {"minirootToggleButton", &_minirootToggleButton},
+      {"patchToggleButton", &_patchToggleButton},
+  };
+  int row = 0;
+  for (const auto& [name, widget] : flags) *widget = toggle(name, _flagsGrid1, row++);
 
   _panedWindow = createManaged("panedWindow", xmPanedWindowWidgetClass, _subsysGrid, {{OvNrow, 4}});
   // Neither pane may be dragged shut: a patch subsystem's "follows" rule
@@ -187,26 +220,24 @@ void SpecDetailUI::buildSubsystemForm() {
   _rulesLabel = fieldLabel("rulesLabel", _rulesGrid);
   _rulesText = multiLineText("rulesText", _rulesGrid, 1, 4);
   _ruleButtonsLabel = fieldLabel("ruleButtonsLabel", _rulesGrid, 2);
-  _prereqPushButton = templateButton("prereqPushButton", _rulesGrid, 3);
-  XtAddCallback(_prereqPushButton, XmNactivateCallback, &SpecDetailUI::prereqPushButtonCallback,
-                this);
-  _incompatPushButton = templateButton("incompatPushButton", _rulesGrid, 4);
-  XtAddCallback(_incompatPushButton, XmNactivateCallback,
-                &SpecDetailUI::incompatPushButtonCallback, this);
-  _replacesPushButton = templateButton("replacesPushButton", _rulesGrid, 5);
-  XtAddCallback(_replacesPushButton, XmNactivateCallback,
-                &SpecDetailUI::replacesPushButtonCallback, this);
+  const std::pair<const char*, Widget*> templates[] = {
+      {"prereqPushButton", &_prereqPushButton},
+      {"incompatPushButton", &_incompatPushButton},
+      {"replacesPushButton", &_replacesPushButton},
+  };
+  row = 3;
+  for (const auto& [name, widget] : templates) *widget = templateButton(name, _rulesGrid, row++);
 }
 
 void SpecDetailUI::buildImageForm() {
   _imageForm = stackedForm("imageForm", _form);
   _imageGrid = formGrid("imageGrid", _imageForm, 4);
-  _nameGrid1 = labelledField("nameGrid1", _imageGrid, 0, "imageNameLabel", &_imageNameLabel,
-                             "imageNameTextField", &_imageNameTextField);
-  _idGrid1 = labelledField("idGrid1", _imageGrid, 1, "imageIdLabel", &_imageIdLabel,
-                           "imageIdTextField", &_imageIdTextField);
-  _versionGrid = labelledField("versionGrid", _imageGrid, 2, "versionLabel", &_versionLabel,
-                               "versionTextField", &_versionTextField);
+  labelledFields(_imageGrid, {{"nameGrid1", &_nameGrid1, "imageNameLabel", &_imageNameLabel,
+                               "imageNameTextField", &_imageNameTextField},
+                              {"idGrid1", &_idGrid1, "imageIdLabel", &_imageIdLabel,
+                               "imageIdTextField", &_imageIdTextField},
+                              {"versionGrid", &_versionGrid, "versionLabel", &_versionLabel,
+                               "versionTextField", &_versionTextField}});
   _orderGrid = createManagedGrid("orderGrid", _imageGrid, 3, 1, {{OvNrow, 3}});
   _orderLabel = fieldLabel("orderLabel", _orderGrid);
   _orderTextField = createManaged("orderTextField", xmTextFieldWidgetClass, _orderGrid,
@@ -216,8 +247,6 @@ void SpecDetailUI::buildImageForm() {
                              {{XmNselectionPolicy, XmBROWSE_SELECT},
                               {XmNvisibleItemCount, 8},
                               {XmNlistSizePolicy, XmCONSTANT}});
-  XtAddCallback(_orderList, XmNbrowseSelectionCallback, &SpecDetailUI::browseSelectionCallback,
-                this);
 }
 
 const char* SpecDetailUI::className() const { return "SpecDetailUI"; }
@@ -227,23 +256,3 @@ void SpecDetailUI::browseSelection(Widget, XtPointer) {}
 void SpecDetailUI::incompatPushButton(Widget, XtPointer) {}
 void SpecDetailUI::prereqPushButton(Widget, XtPointer) {}
 void SpecDetailUI::replacesPushButton(Widget, XtPointer) {}
-
-void SpecDetailUI::applyArrowButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->applyArrowButton(w, callData);
-}
-
-void SpecDetailUI::browseSelectionCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->browseSelection(w, callData);
-}
-
-void SpecDetailUI::incompatPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->incompatPushButton(w, callData);
-}
-
-void SpecDetailUI::prereqPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->prereqPushButton(w, callData);
-}
-
-void SpecDetailUI::replacesPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecDetailUI*>(clientData)->replacesPushButton(w, callData);
-}

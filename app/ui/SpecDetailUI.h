@@ -91,11 +91,6 @@ class SpecDetailUI : public YrComponent {
   void buildProductForm();
   void buildSubsystemForm();
   void buildImageForm();
-  static void applyArrowButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void browseSelectionCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void incompatPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void prereqPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void replacesPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif

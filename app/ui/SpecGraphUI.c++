@@ -8,6 +8,10 @@
 #include "app/ui/LayoutWidgets.h"
 #include "ov/OvGrid.h"
 
+// The static callback of each callback method.
+template <void (SpecGraphUI::*method)(Widget, XtPointer)>
+constexpr XtCallbackProc route = &routeToMethod<SpecGraphUI, method>;
+
 const char* const SpecGraphUI::_defaultSpecGraphUIResources[] = {
     "*label.labelString:  Spec File:",
     "*addPushButton.labelString:  Add",
@@ -27,24 +31,18 @@ SpecGraphUI::SpecGraphUI(const char* name, Widget parent) : YrComponent(name) {
   _springBox = createManagedSpringBox("springBox", _baseWidget,
                                       {{OvNrow, 1}, {OvNresizeVertical, False}});
   _addPushButton = createManaged("addPushButton", xmPushButtonWidgetClass, _springBox);
-  XtAddCallback(_addPushButton, XmNactivateCallback, &SpecGraphUI::addPushButtonCallback, this);
   _deletePushButton = createManaged("deletePushButton", xmPushButtonWidgetClass, _springBox);
-  XtAddCallback(_deletePushButton, XmNactivateCallback, &SpecGraphUI::deletePushButtonCallback,
-                this);
   // The graph goes here; it takes whatever room the panel has.
   _form = createManaged("form", xmFormWidgetClass, _baseWidget,
                         {{OvNrow, 2}, {XmNwidth, 380}, {XmNheight, 500}});
+
+  addRoutes(this, {
+      {_addPushButton, XmNactivateCallback, route<&SpecGraphUI::addPushButton>},
+      {_deletePushButton, XmNactivateCallback, route<&SpecGraphUI::deletePushButton>},
+  });
 }
 
 const char* SpecGraphUI::className() const { return "SpecGraphUI"; }
 
 void SpecGraphUI::addPushButton(Widget, XtPointer) {}
 void SpecGraphUI::deletePushButton(Widget, XtPointer) {}
-
-void SpecGraphUI::addPushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecGraphUI*>(clientData)->addPushButton(w, callData);
-}
-
-void SpecGraphUI::deletePushButtonCallback(Widget w, XtPointer clientData, XtPointer callData) {
-  static_cast<SpecGraphUI*>(clientData)->deletePushButton(w, callData);
-}

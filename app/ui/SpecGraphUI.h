@@ -26,10 +26,6 @@ class SpecGraphUI : public YrComponent {
   Widget _addPushButton = nullptr;
   Widget _deletePushButton = nullptr;
   Widget _form = nullptr;
-
- private:
-  static void addPushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
-  static void deletePushButtonCallback(Widget, XtPointer clientData, XtPointer callData);
 };
 
 #endif
