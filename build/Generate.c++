@@ -110,8 +110,8 @@ bool Generate::checkDistDir(const std::string& dist) {
   std::string idbName = _fileList ? _fileList->idbFileName() : std::string();
   if (idbName.empty())
     idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
-  if (std::optional<std::string> message = ::checkDistDir(DistDirUse::Build, idbName, dist)) {
-    _reporter.error(*message);
+  if (Outcome refused = ::checkDistDir(DistDirUse::Build, idbName, dist); !refused.ok()) {
+    _reporter.error(refused.message());
     return false;
   }
   return true;
@@ -121,9 +121,10 @@ bool Generate::checkDistDir(const std::string& dist) {
 // first (which may ask for a name).
 bool Generate::saveFiles() {
   if (!_specGraph || !_fileList) return false;
-  if ((_specGraph->specFileName().empty() || _specGraph->changed()) && !_specGraph->save(nullptr))
+  if ((_specGraph->specFileName().empty() || _specGraph->changed()) &&
+      !_specGraph->save(nullptr).ok())
     return false;
-  if ((_fileList->idbFileName().empty() || _fileList->modified()) && !_fileList->save(nullptr))
+  if ((_fileList->idbFileName().empty() || _fileList->modified()) && !_fileList->save(nullptr).ok())
     return false;
   return true;
 }
@@ -164,9 +165,8 @@ bool Generate::startProgram(const std::vector<std::string>& argv) {
   program->setOutputCallback(&Generate::stdoutHandler, this);
   program->setErrorCallback(&Generate::stdoutHandler, this);
   program->setExitCallback(&Generate::exitHandler, this);
-  std::string error;
-  if (!program->start(argv, &error)) {
-    _reporter.logMessage(error);
+  if (Outcome started = program->start(argv); !started.ok()) {
+    _reporter.logMessage(started.message());
     // A build that never ran has ended all the same.
     _reporter.logMessage("Done.");
     return false;

@@ -49,8 +49,8 @@ class GenerateTest : public ::testing::Test {
     panel->setSpecGraph(spec.get());
     fileList->setBuildPartner(panel.get());
     // Both files saved, in a directory of their own.
-    ASSERT_TRUE(spec->save(dir.file("p.spec").c_str()));
-    ASSERT_TRUE(fileList->save(dir.file("p.idb").c_str()));
+    ASSERT_TRUE(spec->save(dir.file("p.spec").c_str()).ok());
+    ASSERT_TRUE(fileList->save(dir.file("p.idb").c_str()).ok());
     panel->setDistDir(dir.file("dist"));
     reporter.clear();
   }
