@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <functional>
 #include <optional>
@@ -375,8 +376,10 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
   };
   for (const auto& c : cases) {
     rep.clear();
-    EXPECT_FALSE(model.open(c.file).ok()) << c.file;
+    Outcome opened = model.open(c.file);
+    EXPECT_FALSE(opened.ok()) << c.file;
     EXPECT_EQ(rep.events(), c.events);
+    EXPECT_EQ(opened.message(), c.events.front().text);  // what the user was shown
     EXPECT_EQ(records(), before) << c.file;
     EXPECT_EQ(model.fileNameLabel(), "Idb File:  " + dir.file("good.idb"));
     EXPECT_FALSE(model.modified());
@@ -431,8 +434,11 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
   spec.products = {"prod"};
   rep.clear();
 
-  // No name: the user is asked, proposing the product's name; cancel refuses.
-  EXPECT_FALSE(model.save(nullptr).ok());
+  // No name: the user is asked, proposing the product's name; cancel
+  // refuses, with nothing to show.
+  Outcome saved = model.save(nullptr);
+  EXPECT_FALSE(saved.ok());
+  EXPECT_EQ(saved.message(), "");
   EXPECT_EQ(log.calls.back(), "prompt Save Idb|*idb|prod.idb");
 
   // Into the distribution directory, written differently: refused.
@@ -449,12 +455,14 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
 
   const std::string notRegular = dir.mkdir("sub.idb");
   rep.clear();
-  EXPECT_FALSE(model.save(notRegular.c_str()).ok());
+  saved = model.save(notRegular.c_str());
   EXPECT_EQ(rep.texts("warning"), Lines{"'" + notRegular + "' is not a regular file.\nTry again."});
+  EXPECT_EQ(rep.texts("warning"), Lines{saved.message()});
 
   const std::string noDir = dir.file("nodir/x.idb");
   rep.clear();
-  EXPECT_FALSE(model.save(noDir.c_str()).ok());
+  saved = model.save(noDir.c_str());
+  EXPECT_EQ(saved.code(), ENOENT);
   EXPECT_EQ(rep.events(), (std::vector<RecordingReporter::Event>{
                               {"log", "Couldn't save idb '" + noDir + "' (No such file or directory)."},
                               {"show", ""}}));
