@@ -15,7 +15,7 @@
 //   l 0777 root sys usr/lib/x lib/x tool.sw.base symval(x.1)
 //
 // Conventions of this class:
-// - Failures are returned, never shown: functions that can fail return a
+// - Failures are returned, never shown: functions that can fail return an
 //   Outcome, ok on success, else the message for the message log (and the
 //   system error number where there is one).
 // - Numbering is deliberately mixed: operator[], the setters, deleteItem and
@@ -47,8 +47,9 @@
 /// The type letter of a file: s d b c p l, anything else f.
 char type(const struct stat& st);
 
-/// One record of an Idb (idb is the format's name for a record).  Read-only here: edits go through
-/// the Idb that holds it, which owns the storage of its strings.
+/// One record of an Idb (idb is the format's name for a record).  Read-only
+/// here: edits go through the Idb that holds it, which owns the storage of
+/// its strings.
 class idb {
  public:
   char type() const { return _type; }

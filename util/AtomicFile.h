@@ -43,7 +43,8 @@
 
 class AtomicFile {
  public:
-  /// Result of open() for a target that is there but not a regular file.
+  /// The code() of open()'s failure for a target that is there but not a
+  /// regular file.
   static constexpr int kNotRegular = -1;
   /// The text for an error number of this class: strerror, or "Not a regular
   /// file" for kNotRegular.
