@@ -66,8 +66,8 @@ void startCommand(YrProgram& program, Outcome& o, const std::vector<std::string>
     static_cast<Outcome*>(c)->status = s;
     static_cast<Outcome*>(c)->exited = true;
   }, &o);
-  std::string error;
-  EXPECT_TRUE(program.start(argv, &error)) << error;
+  ::Outcome started = program.start(argv);
+  EXPECT_TRUE(started.ok()) << started.message();
 }
 
 // Runs a command while the event loop (and so the service) keeps going.

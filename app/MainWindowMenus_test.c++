@@ -65,7 +65,7 @@ TEST_F(MainWindowMenusTest, CreatePatchPostsANewDialogOverTheIdbAndBuildsThePatc
   TempDir dir;
   FileListModel& fileList = *window->view()->fileList();
   ASSERT_TRUE(fileList.open(dir.write(
-      "p.idb", "f 0644 root sys a src/a my_product.sw.base\nf 0644 root sys b src/b my_product.man.manpages\n")));
+      "p.idb", "f 0644 root sys a src/a my_product.sw.base\nf 0644 root sys b src/b my_product.man.manpages\n")).ok());
   choose("File/Create Patch...");
   PatchDialog* first = window->patchDialog();
   ASSERT_NE(nullptr, first);

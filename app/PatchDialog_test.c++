@@ -56,7 +56,7 @@ class PatchDialogTest : public ::testing::Test {
     ASSERT_EQ(0, chdir(dir.path().c_str()));
     graph.defaultGraph();
     fileList.setSpecGraphPartner(&partner);
-    ASSERT_TRUE(fileList.open(dir.write("p.idb", kIdb)));
+    ASSERT_TRUE(fileList.open(dir.write("p.idb", kIdb)).ok());
     reporter.clear();
   }
   void TearDown() override {

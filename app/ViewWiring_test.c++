@@ -170,7 +170,7 @@ TEST_F(ViewWiringTest, PanelsEditOneIdbAndSpecFromOpenToBuildAndPatch) {
     RecordingReporter reporter;
     SpecGraphModel spec(&reporter);
     spec.defaultGraph();
-    ASSERT_TRUE(spec.save(dir.file("p.spec").c_str()));
+    ASSERT_TRUE(spec.save(dir.file("p.spec").c_str()).ok());
   }
   const std::string idbFile = dir.write("p.idb",
                                         "f 0644 root sys usr/bin/a src/a my_product.sw.base\n"

@@ -408,11 +408,11 @@ TEST_F(ViewTest, TheBuildPanelFollowsTheHierarchyFromTheStart) {
   TempDir dist;
   v.buildPanel()->setDistDir(dist.path());
   const std::string spec = dist.file("p.spec");
-  std::optional<std::string> refusal = checkDistDir(DistDirUse::Save, spec, dist.path());
-  ASSERT_TRUE(refusal);
-  EXPECT_FALSE(v.specGraph()->model().save(spec.c_str()));
+  Outcome refusal = checkDistDir(DistDirUse::Save, spec, dist.path());
+  ASSERT_FALSE(refusal.ok());
+  EXPECT_FALSE(v.specGraph()->model().save(spec.c_str()).ok());
   EXPECT_TRUE(getTheErrorDialog()->isPosted());
-  EXPECT_EQ(*refusal, getTheErrorDialog()->message());
+  EXPECT_EQ(refusal.message(), getTheErrorDialog()->message());
   getTheErrorDialog()->press(YrDialogManager::Ok);
   struct stat st;
   EXPECT_NE(0, stat(spec.c_str(), &st));

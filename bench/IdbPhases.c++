@@ -22,16 +22,16 @@ int main(int argc, char** argv) {
   }
   auto t = std::chrono::steady_clock::now();
   Idb db;
-  if (auto message = db.open(argv[1])) {
-    std::fprintf(stderr, "%s\n", message->c_str());
+  if (Outcome status = db.open(argv[1]); !status.ok()) {
+    std::fprintf(stderr, "%s\n", status.message().c_str());
     return 1;
   }
   double read = since(t);
   db.sort();
   double sort = since(t);
-  int err = argc > 2 ? db.save(argv[2]) : 0;
+  bool saved = argc > 2 ? db.save(argv[2]).ok() : true;
   double save = since(t);
   std::printf("records %d  read %.3f s  sort %.3f s  save %.3f s  storage %zu MB\n", db.count(),
               read, sort, save, db.storageBytes() >> 20);
-  return err ? 1 : 0;
+  return saved ? 0 : 1;
 }

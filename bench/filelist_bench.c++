@@ -128,12 +128,12 @@ int main(int argc, char** argv) {
   if (!model.setSourceRoot(tree)) return 1;
 
   step("open", [&] {
-    model.open(work + "/big.idb");
-    return std::to_string(model.idb().count()) + " records";
+    Outcome opened = model.open(work + "/big.idb");
+    return opened.ok() ? std::to_string(model.idb().count()) + " records" : opened.message();
   });
   step("open again (the old idb is replaced)", [&] {
-    model.open(work + "/big.idb");
-    return std::to_string(model.idb().count()) + " records";
+    Outcome opened = model.open(work + "/big.idb");
+    return opened.ok() ? std::to_string(model.idb().count()) + " records" : opened.message();
   });
   step("select by expression on the tag, ^[a-z]+.(sw...) ", [&] {
     model.selectMatching("^[a-z]+.(sw.base|sw.lib|sw.dev) ");
@@ -176,8 +176,7 @@ int main(int argc, char** argv) {
            " unmarked";
   });
   step("save", [&] {
-    model.save((work + "/saved.idb").c_str());
-    return std::string();
+    return model.save((work + "/saved.idb").c_str()).message();
   });
   step("cantPrependRoot, every record", [&] {
     return std::to_string(model.cantPrependRoot(tree, false)) + " not found";
@@ -185,7 +184,7 @@ int main(int argc, char** argv) {
 
   FileListModel small(reporter);
   small.setSourceRoot(tree);
-  small.open(work + "/tree.idb");
+  if (!small.open(work + "/tree.idb").ok()) return 1;
   step("cantPrependRoot, one record per file of the tree", [&] {
     return std::to_string(small.cantPrependRoot(tree, false)) + " not found of " +
            std::to_string(small.idb().count());

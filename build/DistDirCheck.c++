@@ -27,29 +27,29 @@ std::string format(const char* fmt, const std::vector<std::string>& args) {
 
 }  // namespace
 
-std::optional<std::string> checkDistDir(DistDirUse use, const std::string& file,
-                                        const std::string& distDir) {
+Outcome checkDistDir(DistDirUse use, const std::string& file, const std::string& distDir) {
   if (use == DistDirUse::Save) {
     if (!distDir.empty() && samePath(mypathdirname(file), distDir))
-      return std::string(
+      return Outcome::error(
           "Save target directory matches Distribution Directory.\n"
           "The build operation creates a binary version of the idb file in\n"
           "the distribution directory.  Pick another directory to save your\n"
           "ascii files into.");
-    return std::nullopt;
+    return Outcome::success();
   }
   const std::string dist = normalize(distDir);
   if (samePath(dist, mypathdirname(normalize(file))))
-    return format(
+    return Outcome::error(format(
         "Illegal Distribution Directory.  The build operation creates\n"
         "a binary version of the idb file in the distribution directory.\n"
         "Pick another directory to avoid overwriting '%s'.",
-        {file});
+        {file}));
   struct stat st;
   if (::stat(dist.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
     if (::mkdir(dist.c_str(), 0777) != 0) {
-      const std::string why = std::strerror(errno);
-      return format(
+      const int err = errno;
+      const std::string why = std::strerror(err);
+      return Outcome::error(format(
           "Distrubution Directory '%s' does not exist. An attempt to\n"
           "create yielded '%s'.\n"
           "Enter the following in a shell window,\n"
@@ -57,8 +57,9 @@ std::optional<std::string> checkDistDir(DistDirUse use, const std::string& file,
           "su\n"
           "mkdir -p %s\n"
           "chmod 777 %s",
-          {dist, why, dist, dist});
+          {dist, why, dist, dist}),
+          err);
     }
   }
-  return std::nullopt;
+  return Outcome::success();
 }

@@ -5,8 +5,9 @@
 #ifndef TAMBLIN_BUILD_DISTDIRCHECK_H
 #define TAMBLIN_BUILD_DISTDIRCHECK_H
 
-#include <optional>
 #include <string>
+
+#include "util/Outcome.h"
 
 enum class DistDirUse {
   /// file is about to be saved (a spec or an idb); an empty distDir (none
@@ -17,9 +18,9 @@ enum class DistDirUse {
   Build,
 };
 
-/// Nothing when file and distDir may be used together; otherwise the text
-/// for the error dialog (texts fixed by the program, misspelling included).
-std::optional<std::string> checkDistDir(DistDirUse use, const std::string& file,
-                                        const std::string& distDir);
+/// Ok when file and distDir may be used together; otherwise fails with the
+/// text for the error dialog (texts fixed by the program, misspelling
+/// included), and the error number when the directory could not be made.
+Outcome checkDistDir(DistDirUse use, const std::string& file, const std::string& distDir);
 
 #endif

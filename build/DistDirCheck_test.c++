@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -19,13 +20,13 @@ const char kSaveMessage[] =
 TEST(DistDirCheckTest, Save) {
   TempDir dir;
   const std::string dist = dir.mkdir("dist");
-  EXPECT_EQ(kSaveMessage, checkDistDir(DistDirUse::Save, dist + "/p.idb", dist).value_or("-"));
+  EXPECT_EQ(kSaveMessage, checkDistDir(DistDirUse::Save, dist + "/p.idb", dist).message());
   // The same directory written differently is the same directory.
   EXPECT_EQ(kSaveMessage,
-            checkDistDir(DistDirUse::Save, dir.path() + "/./dist/p.spec", dist).value_or("-"));
-  EXPECT_FALSE(checkDistDir(DistDirUse::Save, dir.path() + "/p.idb", dist));
+            checkDistDir(DistDirUse::Save, dir.path() + "/./dist/p.spec", dist).message());
+  EXPECT_TRUE(checkDistDir(DistDirUse::Save, dir.path() + "/p.idb", dist).ok());
   // No distribution directory known yet: nothing to compare.
-  EXPECT_FALSE(checkDistDir(DistDirUse::Save, dist + "/p.idb", ""));
+  EXPECT_TRUE(checkDistDir(DistDirUse::Save, dist + "/p.idb", "").ok());
 }
 
 TEST(DistDirCheckTest, Build) {
@@ -35,11 +36,11 @@ TEST(DistDirCheckTest, Build) {
       "Illegal Distribution Directory.  The build operation creates\n"
       "a binary version of the idb file in the distribution directory.\n"
       "Pick another directory to avoid overwriting '" + idb + "'.",
-      checkDistDir(DistDirUse::Build, idb, dir.path() + "/").value_or("-"));
+      checkDistDir(DistDirUse::Build, idb, dir.path() + "/").message());
 
   // A missing directory is made.
   const std::string dist = dir.file("dist");
-  EXPECT_FALSE(checkDistDir(DistDirUse::Build, idb, dist));
+  EXPECT_TRUE(checkDistDir(DistDirUse::Build, idb, dist).ok());
   struct stat st;
   ASSERT_EQ(0, ::stat(dist.c_str(), &st));
   EXPECT_TRUE(S_ISDIR(st.st_mode));
@@ -50,7 +51,8 @@ TEST(DistDirCheckTest, Build) {
                 "' does not exist. An attempt to\ncreate yielded 'File exists'.\n"
                 "Enter the following in a shell window,\nand try again:\nsu\nmkdir -p " +
                 file + "\nchmod 777 " + file,
-            checkDistDir(DistDirUse::Build, idb, file).value_or("-"));
+            checkDistDir(DistDirUse::Build, idb, file).message());
+  EXPECT_EQ(EEXIST, checkDistDir(DistDirUse::Build, idb, file).code());
 }
 
 }  // namespace

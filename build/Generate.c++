@@ -111,8 +111,8 @@ bool Generate::checkDistDir(const std::string& dist) {
   std::string idbName = _fileListModel ? _fileListModel->idbFileName() : std::string();
   if (idbName.empty())
     idbName = (_specGraph ? _specGraph->getProductName() : std::string()) + ".idb";
-  if (std::optional<std::string> message = ::checkDistDir(DistDirUse::Build, idbName, dist)) {
-    _reporter.error(*message);
+  if (Outcome refused = ::checkDistDir(DistDirUse::Build, idbName, dist); !refused.ok()) {
+    _reporter.error(refused.message());
     return false;
   }
   return true;
@@ -122,10 +122,11 @@ bool Generate::checkDistDir(const std::string& dist) {
 // first (which may ask for a name).
 bool Generate::saveFiles() {
   if (!_specGraph || !_fileListModel) return false;
-  if ((_specGraph->specFileName().empty() || _specGraph->changed()) && !_specGraph->save(nullptr))
+  if ((_specGraph->specFileName().empty() || _specGraph->changed()) &&
+      !_specGraph->save(nullptr).ok())
     return false;
   if ((_fileListModel->idbFileName().empty() || _fileListModel->modified()) &&
-      !_fileListModel->save(nullptr))
+      !_fileListModel->save(nullptr).ok())
     return false;
   return true;
 }
@@ -163,9 +164,8 @@ bool Generate::startProgram(const std::vector<std::string>& argv) {
   program->setOutputCallback(&Generate::stdoutHandler, this);
   program->setErrorCallback(&Generate::stdoutHandler, this);
   program->setExitCallback(&Generate::exitHandler, this);
-  std::string error;
-  if (!program->start(argv, &error)) {
-    _reporter.logMessage(error);
+  if (Outcome started = program->start(argv); !started.ok()) {
+    _reporter.logMessage(started.message());
     // A build that never ran has ended all the same.
     _reporter.logMessage("Done.");
     return false;

@@ -48,8 +48,8 @@ class GenerateTest : public ::testing::Test {
     panel->connect(*fileList, *spec);
     fileList->setBuildPartner(panel.get());
     // Both files saved, in a directory of their own.
-    ASSERT_TRUE(spec->save(dir.file("p.spec").c_str()));
-    ASSERT_TRUE(fileList->save(dir.file("p.idb").c_str()));
+    ASSERT_TRUE(spec->save(dir.file("p.spec").c_str()).ok());
+    ASSERT_TRUE(fileList->save(dir.file("p.idb").c_str()).ok());
     panel->setDistDir(dir.file("dist"));
     reporter.clear();
   }

@@ -39,13 +39,12 @@ int checkCommand(int argc, char** argv) {
   if (std::optional<int> status = command.parse(argc, argv)) return *status;
   const std::string& idbFile = command.operands()[0];
   BuildInput input(&command.reporter());
-  if (std::optional<std::string> message =
-          input.setSourceRoot(command.option("--sbase").value_or(""))) {
-    std::fprintf(stderr, "tamblin-cli check: %s\n", message->c_str());
+  if (Outcome status = input.setSourceRoot(command.option("--sbase").value_or("")); !status.ok()) {
+    std::fprintf(stderr, "tamblin-cli check: %s\n", status.message().c_str());
     return kCliTrouble;
   }
-  if (std::optional<std::string> message = input.loadIdb(idbFile)) {
-    std::fprintf(stderr, "%s\n", message->c_str());
+  if (Outcome status = input.loadIdb(idbFile); !status.ok()) {
+    std::fprintf(stderr, "%s\n", status.message().c_str());
     return CliCommand::inputFailure(idbFile);
   }
   command.note("Read idb '" + idbFile + "'.");

@@ -104,19 +104,19 @@ int CliCommand::writeResult(const char* kind, const std::function<void(std::FILE
     return kCliBad;
   }
   AtomicFile file(*out);
-  if (int err = file.open()) {
-    if (err == AtomicFile::kNotRegular) {  // became one since the check above
+  if (Outcome opened = file.open(); !opened.ok()) {
+    if (opened.code() == AtomicFile::kNotRegular) {  // became one since the check above
       _reporter.warning(notRegularFileMessage(*out));
       return kCliBad;
     }
     std::fprintf(stderr, "Couldn't open %s '%s' (%s).\n", kind, out->c_str(),
-                 AtomicFile::describe(err).c_str());
+                 opened.message().c_str());
     return kCliTrouble;
   }
   write(file.stream());
-  if (int err = file.commit()) {
+  if (Outcome committed = file.commit(); !committed.ok()) {
     std::fprintf(stderr, "Couldn't write %s '%s' (%s).\n", kind, out->c_str(),
-                 AtomicFile::describe(err).c_str());
+                 committed.message().c_str());
     return kCliTrouble;
   }
   note(std::string("Saved ") + kind + " '" + *out + "'.");

@@ -53,8 +53,8 @@ std::optional<int> loadSpec(const SpecGraphModel& graph, const std::string& path
 }
 
 std::optional<int> loadIdb(Idb& db, const std::string& path) {
-  std::optional<std::string> message = db.open(path);
-  if (!message) return std::nullopt;
-  std::fprintf(stderr, "%s\n", message->c_str());
+  Outcome status = db.open(path);
+  if (status.ok()) return std::nullopt;
+  std::fprintf(stderr, "%s\n", status.message().c_str());
   return CliCommand::inputFailure(path);
 }

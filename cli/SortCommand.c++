@@ -31,9 +31,10 @@ int sortCommand(int argc, char** argv) {
   if (std::optional<int> status = command.parse(argc, argv)) return *status;
   const std::string& in = command.operands()[0];
   IdbFileSorter sorter;
-  if (std::optional<std::string> message = sorter.read(in)) {
-    std::fprintf(stderr, "%s\n", message->c_str());
+  if (Outcome status = sorter.read(in); !status.ok()) {
+    std::fprintf(stderr, "%s\n", status.message().c_str());
     return CliCommand::inputFailure(in);
   }
-  return command.writeResult("idb", [&sorter](std::FILE* out) { sorter.write(out); });
+  // A failed write leaves the stream in error, which writeResult reports.
+  return command.writeResult("idb", [&sorter](std::FILE* out) { (void)sorter.write(out); });
 }

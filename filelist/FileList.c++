@@ -38,11 +38,15 @@ void FileList::clear() { _model->clear(); }
 
 int FileList::abandonChanges() { return _model->abandonChanges() ? 1 : 0; }
 
-int FileList::open(const char* fileName) { return _model->open(fileName ? fileName : "") ? 1 : 0; }
+int FileList::open(const char* fileName) {
+  return _model->open(fileName ? fileName : "").ok() ? 1 : 0;
+}
 
-int FileList::read(const char* fileName) { return _model->read(fileName ? fileName : "") ? 1 : 0; }
+int FileList::read(const char* fileName) {
+  return _model->appendFile(fileName ? fileName : "").ok() ? 1 : 0;
+}
 
-int FileList::save(const char* fileName) { return _model->save(fileName) ? 1 : 0; }
+int FileList::save(const char* fileName) { return _model->save(fileName).ok() ? 1 : 0; }
 
 int FileList::recordCount() { return _model->idb().count(); }
 

@@ -351,10 +351,15 @@ std::unique_ptr<StringSet> FileListModel::srcpathsInDir(const std::string& dir) 
 
 // ---- files ---------------------------------------------------------------------
 
-bool FileListModel::open(const std::string& file) {
+Outcome FileListModel::refuseNotRegular(const std::string& file) {
+  Outcome refused = Outcome::error(format("'%s' is not a regular file.\nTry again.", file.c_str()));
+  _reporter.warning(refused.message());
+  return refused;
+}
+
+Outcome FileListModel::open(const std::string& file) {
   if (existsButNotRegular(file)) {
-    _reporter.warning(format("'%s' is not a regular file.\nTry again.", file.c_str()));
-    return false;
+    return refuseNotRegular(file);
   }
   BusyScope busy(_busy);
   // The undo copy goes first: whatever happens, it ends up a copy of the idb.
@@ -367,17 +372,17 @@ bool FileListModel::open(const std::string& file) {
   if (_idb->count() > 0 && fileReadsCleanly(file)) _idb->clear();
   auto fresh = std::make_unique<Idb>();
   fresh->setSourceRoot(_sourceRoot);
-  std::optional<std::string> message;
-  whileRedrawing([&] { message = fresh->open(file); }, false);
-  if (message) {
+  Outcome status;
+  whileRedrawing([&] { status = fresh->open(file); }, false);
+  if (!status.ok()) {
     fresh.reset();
     // The idb is still the old one unless the file changed under us between
     // the check and the read; the list then shows what is left.
     if (_idb->count() == 0) refresh();
-    _reporter.logMessage(*message);
+    _reporter.logMessage(status.message());
     _reporter.showMessages();
     backup();
-    return false;
+    return status;
   }
   _idb = std::move(fresh);
   backup();
@@ -386,7 +391,7 @@ bool FileListModel::open(const std::string& file) {
   refreshPartners();
   setIdbFileName(file);
   _reporter.logMessage(format("Opened idb '%s'.", file.c_str()));
-  return true;
+  return Outcome::success();
 }
 
 void FileListModel::whileRedrawing(const std::function<void()>& work, bool hideLines) {
@@ -452,7 +457,7 @@ bool FileListModel::fileReadsCleanly(const std::string& file) const {
       cut = nl ? static_cast<std::size_t>(static_cast<const char*>(nl) - text.data()) + 1 : 0;
     }
     if (cut) {
-      clean = !scratch.readText(std::string_view(text.data(), cut), file);
+      clean = scratch.readText(std::string_view(text.data(), cut), file).ok();
       scratch.clear();
       text.erase(0, cut);
     }
@@ -463,24 +468,23 @@ bool FileListModel::fileReadsCleanly(const std::string& file) const {
   return clean;
 }
 
-bool FileListModel::read(const std::string& file) {
+Outcome FileListModel::appendFile(const std::string& file) {
   if (existsButNotRegular(file)) {
-    _reporter.warning(format("'%s' is not a regular file.\nTry again.", file.c_str()));
-    return false;
+    return refuseNotRegular(file);
   }
   BusyScope busy(_busy);
   {
     Edit edit(*this);
-    if (std::optional<std::string> message = _idb->append(file)) {
-      _reporter.logMessage(*message);
+    if (Outcome status = _idb->append(file); !status.ok()) {
+      _reporter.logMessage(status.message());
       _reporter.showMessages();
       *_idb = *_backup;
-      return false;
+      return status;
     }
     _modified = true;
   }
   refreshPartners();
-  return true;
+  return Outcome::success();
 }
 
 // The chosen file relative to the current directory where it lies below it.
@@ -497,52 +501,48 @@ bool FileListModel::askFileName(const char* title, bool proposeProduct, std::str
 
 bool FileListModel::showOpenBrowser() {
   std::string file;
-  return abandonChanges() && askFileName("Open Idb", false, &file) && open(file);
+  return abandonChanges() && askFileName("Open Idb", false, &file) && open(file).ok();
 }
 
 bool FileListModel::showReadBrowser() {
   std::string file;
-  if (!askFileName("Append Idb", true, &file) || !read(file)) return false;
+  if (!askFileName("Append Idb", true, &file) || !appendFile(file).ok()) return false;
   _reporter.logMessage(format("Appended idb '%s'.", file.c_str()));
   return true;
 }
 
 bool FileListModel::showSaveBrowser() {
   std::string file;
-  return askFileName("Save Idb", true, &file) && save(file.c_str());
+  return askFileName("Save Idb", true, &file) && save(file.c_str()).ok();
 }
 
-bool FileListModel::save(const char* file) {
+Outcome FileListModel::save(const char* file) {
   std::string target = file ? file : _idb->name();
-  if (target.empty() && !askFileName("Save Idb", true, &target)) return false;
+  if (target.empty() && !askFileName("Save Idb", true, &target)) return Outcome::error("");
   if (_buildPanel) {
-    if (std::optional<std::string> message =
-            checkDistDir(DistDirUse::Save, target, _buildPanel->getDistDir())) {
-      _reporter.error(*message);
-      return false;
+    if (Outcome refused = checkDistDir(DistDirUse::Save, target, _buildPanel->getDistDir());
+        !refused.ok()) {
+      _reporter.error(refused.message());
+      return refused;
     }
   }
-  if (existsButNotRegular(target)) {
-    _reporter.warning(format("'%s' is not a regular file.\nTry again.", target.c_str()));
-    return false;
-  }
+  if (existsButNotRegular(target)) return refuseNotRegular(target);
   BusyScope busy(_busy);
   bool wasSorted = true;
   for (int i = 1; i < _idb->count() && wasSorted; i++)
     wasSorted = (*_idb)[i - 1]->dstpath() <= (*_idb)[i]->dstpath();
-  int error = 0;
-  whileRedrawing([&] { error = _idb->save(target); }, true);
-  if (error) {
+  Outcome saved;
+  whileRedrawing([&] { saved = _idb->save(target); }, true);
+  if (!saved.ok()) {
     // The records are still in the order the list shows, so the lines and
     // the selection stay as they are.
-    if (error == AtomicFile::kNotRegular) {
-      _reporter.warning(format("'%s' is not a regular file.\nTry again.", target.c_str()));
-      return false;
-    }
-    _reporter.logMessage(format("Couldn't save idb '%s' (%s).", target.c_str(),
-                                AtomicFile::describe(error).c_str()));
+    if (saved.code() == AtomicFile::kNotRegular) return refuseNotRegular(target);
+    Outcome failure = Outcome::error(
+        format("Couldn't save idb '%s' (%s).", target.c_str(), saved.message().c_str()),
+        saved.code());
+    _reporter.logMessage(failure.message());
     _reporter.showMessages();
-    return false;
+    return failure;
   }
   _modified = false;
   setIdbFileName(target);
@@ -553,7 +553,7 @@ bool FileListModel::save(const char* file) {
     refresh();
     deselectAll();
   }
-  return true;
+  return Outcome::success();
 }
 
 bool FileListModel::abandonChanges() {

@@ -27,6 +27,7 @@
 
 #include "filelist/RowSelection.h"
 #include "idb/Idb.h"
+#include "util/Outcome.h"
 
 class AddFilesPartner;
 class AttrsPartner;
@@ -127,13 +128,15 @@ class FileListModel {
   std::unique_ptr<StringSet> srcpathsInDir(const std::string& dir) const;
 
   // ---- files ---------------------------------------------------------------
+  // Each fails with the message it gave the user (message log or dialog),
+  // or with an empty message when the user chose no file.
   /// Replaces the idb with file's; a failure leaves the idb untouched.
-  bool open(const std::string& file);
+  Outcome open(const std::string& file);
   /// Appends file's records; a failure restores the idb as it was.
-  bool read(const std::string& file);
+  Outcome appendFile(const std::string& file);
   /// Saves to file, or to the idb's own name when file is null; with no name
   /// at all the FileNamePrompt is asked, proposing "<product>.idb".
-  bool save(const char* file);
+  Outcome save(const char* file);
   /// File > Open, Append and SaveAs: ask for a file ("*idb"; append and save
   /// propose "<product>.idb") and open, append or save it.  Open first asks
   /// abandonChanges.  False when refused, cancelled or failed.
@@ -265,6 +268,8 @@ class FileListModel {
   template <class Change>
   bool editSelected(Change change);
   bool askFileName(const char* title, bool proposeProduct, std::string* chosen);
+  /// Warns that file is not a regular file; the failure to return.
+  Outcome refuseNotRegular(const std::string& file);
 
   Reporter& _reporter;
   AddFilesPartner* _addPanel = nullptr;

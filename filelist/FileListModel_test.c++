@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <functional>
 #include <optional>
@@ -190,7 +191,7 @@ class FileListModelTest : public testing::Test {
 
   // Opens text as the idb "t.idb" and forgets the events so far.
   void openText(const std::string& text, const std::string& name = "t.idb") {
-    ASSERT_TRUE(model.open(dir.write(name, text))) << testing::PrintToString(rep.texts("log"));
+    ASSERT_TRUE(model.open(dir.write(name, text)).ok()) << testing::PrintToString(rep.texts("log"));
     rep.clear();
     log.calls.clear();
   }
@@ -376,8 +377,10 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
   };
   for (const auto& c : cases) {
     rep.clear();
-    EXPECT_FALSE(model.open(c.file)) << c.file;
+    Outcome opened = model.open(c.file);
+    EXPECT_FALSE(opened.ok()) << c.file;
     EXPECT_EQ(rep.events(), c.events);
+    EXPECT_EQ(opened.message(), c.events.front().text);  // what the user was shown
     EXPECT_EQ(records(), before) << c.file;
     EXPECT_EQ(model.fileNameLabel(), "Idb File:  " + dir.file("good.idb"));
     EXPECT_FALSE(model.modified());
@@ -389,7 +392,7 @@ TEST_F(FileListModelTest, FailedOpenLeavesTheIdbUntouched) {
 TEST_F(FileListModelTest, OpenTellsThePanelsAndUndoChangesNothing) {
   model.setView(FileListModel::kTagView);
   const std::string file = dir.write("a.idb", kThree);
-  ASSERT_TRUE(model.open(file));
+  ASSERT_TRUE(model.open(file).ok());
   EXPECT_EQ(rep.texts("log"), Lines{"Opened idb '" + file + "'."});
   EXPECT_EQ(log.calls, (Lines{"add.refresh", "tags.refresh"}));
   EXPECT_EQ(model.idbFileName(), file);
@@ -404,7 +407,7 @@ TEST_F(FileListModelTest, AppendAddsOrRestores) {
   const Lines before = records();
   const std::string bad =
       dir.write("bad.idb", "f 0644 root sys a a t\nf 0644 root sys b b t\nf 0644 root\n");
-  EXPECT_FALSE(model.read(bad));
+  EXPECT_FALSE(model.appendFile(bad).ok());
   EXPECT_EQ(rep.texts("log"),
             Lines{"Couldn't read idb '" + bad + "' (Expected group in field 4 on line 3)."});
   EXPECT_EQ(records(), before);
@@ -412,7 +415,7 @@ TEST_F(FileListModelTest, AppendAddsOrRestores) {
 
   const std::string more = dir.write("more.idb", "f 0644 root sys a a t\n");
   log.calls.clear();
-  EXPECT_TRUE(model.read(more));
+  EXPECT_TRUE(model.appendFile(more).ok());
   Lines after = before;
   after.push_back("f 0644 root sys a a t");
   EXPECT_EQ(records(), after);
@@ -427,18 +430,22 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
   model.setView(FileListModel::kTagView);
   openText("f 0644 root sys b b t\nf 0644 root sys a a t\n");
   model.clear();  // nameless and empty, with its own records below
-  ASSERT_TRUE(model.read(dir.write("in.idb", "f 0644 root sys b b t\nf 0644 root sys a a t\n")));
+  ASSERT_TRUE(
+      model.appendFile(dir.write("in.idb", "f 0644 root sys b b t\nf 0644 root sys a a t\n")).ok());
   spec.products = {"prod"};
   rep.clear();
 
-  // No name: the user is asked, proposing the product's name; cancel refuses.
-  EXPECT_FALSE(model.save(nullptr));
+  // No name: the user is asked, proposing the product's name; cancel
+  // refuses, with nothing to show.
+  Outcome saved = model.save(nullptr);
+  EXPECT_FALSE(saved.ok());
+  EXPECT_EQ(saved.message(), "");
   EXPECT_EQ(log.calls.back(), "prompt Save Idb|*idb|prod.idb");
 
   // Into the distribution directory, written differently: refused.
   dir.mkdir("dist");
   build.distDir = dir.file("dist/./");
-  EXPECT_FALSE(model.save(dir.file("dist/x.idb").c_str()));
+  EXPECT_FALSE(model.save(dir.file("dist/x.idb").c_str()).ok());
   EXPECT_EQ(rep.texts("error"),
             Lines{"Save target directory matches Distribution Directory.\n"
                   "The build operation creates a binary version of the idb file in\n"
@@ -449,12 +456,14 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
 
   const std::string notRegular = dir.mkdir("sub.idb");
   rep.clear();
-  EXPECT_FALSE(model.save(notRegular.c_str()));
+  saved = model.save(notRegular.c_str());
   EXPECT_EQ(rep.texts("warning"), Lines{"'" + notRegular + "' is not a regular file.\nTry again."});
+  EXPECT_EQ(rep.texts("warning"), Lines{saved.message()});
 
   const std::string noDir = dir.file("nodir/x.idb");
   rep.clear();
-  EXPECT_FALSE(model.save(noDir.c_str()));
+  saved = model.save(noDir.c_str());
+  EXPECT_EQ(saved.code(), ENOENT);
   EXPECT_EQ(rep.events(), (std::vector<RecordingReporter::Event>{
                               {"log", "Couldn't save idb '" + noDir + "' (No such file or directory)."},
                               {"show", ""}}));
@@ -465,7 +474,7 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
   model.setSelectedPositions({1});
   prompt.answer = dir.file("out.idb");
   rep.clear();
-  EXPECT_TRUE(model.save(nullptr));
+  EXPECT_TRUE(model.save(nullptr).ok());
   EXPECT_EQ(dir.read("out.idb"), "f 0644 root sys a a t\nf 0644 root sys b b t\n");
   EXPECT_EQ(rep.texts("log"), Lines{"Saved idb '" + dir.file("out.idb") + "'."});
   EXPECT_FALSE(model.modified());
@@ -475,7 +484,7 @@ TEST_F(FileListModelTest, SaveRefusalsAndSuccess) {
 
   // Later saves go to the idb's own name without asking.
   log.calls.clear();
-  EXPECT_TRUE(model.save(nullptr));
+  EXPECT_TRUE(model.save(nullptr).ok());
   EXPECT_TRUE(log.calls.empty());
 }
 
@@ -518,7 +527,7 @@ TEST_F(FileListModelTest, TheDisplayIsToldWhatToMirror) {
   model.setView(FileListModel::kTagView);
   const std::string file = dir.write("a.idb", "f 0644 root sys x new t\n");
   log.calls.clear();
-  ASSERT_TRUE(model.open(file));
+  ASSERT_TRUE(model.open(file).ok());
   EXPECT_EQ(log.calls, (Lines{"display.lines", "add.refresh", "tags.refresh", "display.name Idb File:  " + file}));
 
   const struct {
@@ -798,7 +807,7 @@ TEST_F(FileListModelTest, EachUserEditIsOneUndoStep) {
        }},
       {"Add Files", {}, [&src](FileListModel& m) { m.add({src + "/top/new"}); }},
       {"Delete Selected Items", {1, 3}, [](FileListModel& m) { m.removeSelected(); }},
-      {"Append", {}, [&more](FileListModel& m) { ASSERT_TRUE(m.read(more)); }},
+      {"Append", {}, [&more](FileListModel& m) { ASSERT_TRUE(m.appendFile(more).ok()); }},
       {"Source Root moved up, paths rewritten", {},
        [&src](FileListModel& m) { ASSERT_TRUE(m.setSourceRoot(src)); }},
       {"Create Patch", {}, [](FileListModel& m) { m.createPatch("patch", {2}); }},
@@ -1182,7 +1191,7 @@ TEST_F(FileListModelTest, AddSkipsNamesAnIdbCannotHoldAndTheRootItself) {
                 {"log", "Skipped '" + outside + "': it is outside Source Root '" + src + "'."},
                 {"show", ""}}));
   EXPECT_TRUE(model.modified());
-  for (int i = 0; i < model.idb().count(); i++) EXPECT_FALSE(model.idb().storageProblem(i));
+  for (int i = 0; i < model.idb().count(); i++) EXPECT_TRUE(model.idb().storageProblem(i).ok());
 
   // Nothing left to add: no undo step, no change.
   rep.clear();
@@ -1203,7 +1212,7 @@ TEST_F(FileListModelTest, TypedValuesAreDeblanked) {
   model.replaceOwner(" \t ");  // nothing left: the owner stays
   model.replaceGroup("st aff");
   EXPECT_EQ(records(), Lines{"f 0644 root staff opt/mydir/newname srcdir/ab t.sw.base"});
-  EXPECT_FALSE(model.idb().storageProblem(0));
+  EXPECT_TRUE(model.idb().storageProblem(0).ok());
 }
 
 // A save that fails after sorting leaves the records in the order the list
@@ -1223,10 +1232,12 @@ TEST_F(FileListModelTest, FailedSaveKeepsLinesAndSelection) {
   ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &old));
   struct rlimit small = {4096, old.rlim_max};
   ASSERT_EQ(0, setrlimit(RLIMIT_FSIZE, &small));
-  bool saved = model.save(dir.file("out.idb").c_str());
+  Outcome saved = model.save(dir.file("out.idb").c_str());
   setrlimit(RLIMIT_FSIZE, &old);
 
-  EXPECT_FALSE(saved);
+  // The failure returned is the message the log shows, with its cause.
+  EXPECT_EQ("Couldn't save idb '" + dir.file("out.idb") + "' (File too large).", saved.message());
+  EXPECT_EQ(EFBIG, saved.code());
   EXPECT_EQ(rep.texts("log"),
             Lines{"Couldn't save idb '" + dir.file("out.idb") + "' (File too large)."});
   EXPECT_EQ(dir.read("out.idb"), "<missing>");
@@ -1241,12 +1252,12 @@ TEST_F(FileListModelTest, SaveKeepsLinksAndRefusesWhatIsNotAFile) {
   openText("f 0644 root sys b b t\n");
   const std::string a = dir.write("a.idb", "old\n");
   ASSERT_EQ(0, link(a.c_str(), dir.file("b.idb").c_str()));
-  EXPECT_TRUE(model.save(dir.file("b.idb").c_str()));
+  EXPECT_TRUE(model.save(dir.file("b.idb").c_str()).ok());
   EXPECT_EQ(dir.read("a.idb"), "f 0644 root sys b b t\n");
   const std::string fifo = dir.file("fifo.idb");
   ASSERT_EQ(0, mkfifo(fifo.c_str(), 0644));
   rep.clear();
-  EXPECT_FALSE(model.save(fifo.c_str()));
+  EXPECT_FALSE(model.save(fifo.c_str()).ok());
   EXPECT_EQ(rep.texts("warning"), Lines{"'" + fifo + "' is not a regular file.\nTry again."});
   struct stat st;
   ASSERT_EQ(0, stat(fifo.c_str(), &st));

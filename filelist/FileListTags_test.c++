@@ -126,7 +126,7 @@ TEST_F(FileListTagsTest, RefreshPutsTheIdbsTagsFirstAndTheFirstInTheField) {
   ASSERT_TRUE(fileList->open(dir.write("a.idb",
                                        "f 0644 root sys a a p.sw.z\n"
                                        "f 0644 root sys b b p.sw.base\n"
-                                       "f 0644 root sys c c p.sw.z\n")));
+                                       "f 0644 root sys c c p.sw.z\n")).ok());
   spec->defaultGraph();
   type("leftover");
   tags->refresh();
@@ -155,7 +155,7 @@ TEST_F(FileListTagsTest, AssignNeedsRecordsAndATagAndIsOneUndoStep) {
   ASSERT_TRUE(fileList->open(dir.write("a.idb",
                                        "f 0644 root sys a a p.sw.a\n"
                                        "f 0644 root sys b b p.sw.a\n"
-                                       "f 0644 root sys c c p.sw.c\n")));
+                                       "f 0644 root sys c c p.sw.c\n")).ok());
   fileList->setView(FileListModel::kTagView);
   tags->refresh();
   press("arrowButton");
@@ -182,7 +182,7 @@ TEST_F(FileListTagsTest, BrowseFillsTheFieldAndDoubleClickSelectsRecords) {
   ASSERT_TRUE(fileList->open(dir.write("a.idb",
                                        "f 0644 root sys a a p.sw.a\n"
                                        "f 0644 root sys b b p.sw.b\n"
-                                       "f 0644 root sys c c p.sw.a\n")));
+                                       "f 0644 root sys c c p.sw.a\n")).ok());
   tags->refresh();
   XmListSelectPos(tags->tagsList(), 2, True);
   EXPECT_EQ("p.sw.b", tags->fieldText());

@@ -53,11 +53,11 @@ std::vector<std::string> InstallCheck::run() {
   // (a tab in a path, an attribute split in two) loses data on every save.
   int unreadable = 0;
   for (int i = 0; i < n; i++) {
-    std::optional<std::string> problem = _idb.storageProblem(i);
-    if (!problem) continue;
+    Outcome problem = _idb.storageProblem(i);
+    if (problem.ok()) continue;
     unreadable++;
-    findings.push_back("does not read back: " + std::string(_idb[i]->dstpath()) + " (" + *problem +
-                       ")");
+    findings.push_back("does not read back: " + std::string(_idb[i]->dstpath()) + " (" +
+                       problem.message() + ")");
   }
   if (unreadable) _summary += ", " + std::to_string(unreadable) + " not read back the same";
   if (!_withSpec) return findings;

@@ -37,7 +37,7 @@ TEST(InstallCheckTest, FindingsAndSummary) {
       "f 0644 root sys usr/lib/y lib/y p.sw.extra\n"
       "f 0644 root sys usr/lib/z lib/z p.sw.extra\n";
   Idb idb;
-  ASSERT_FALSE(idb.readText(text));
+  ASSERT_TRUE(idb.readText(text).ok());
 
   const struct {
     const char* name;
@@ -77,9 +77,9 @@ TEST(InstallCheckTest, RecordsThatWouldNotReadBack) {
   dir.write("src/a\tb", "x");
   dir.write("src/ok", "x");
   Idb idb;
-  ASSERT_FALSE(idb.readText("f 0644 root sys usr/a\tb a\tb p.sw.base\n"
+  ASSERT_TRUE(idb.readText("f 0644 root sys usr/a\tb a\tb p.sw.base\n"
                             "f 0644 root sys usr/ok ok p.sw\tbase\n"
-                            "f 0644 root sys usr/ok2 ok p.sw.base\n"));
+                            "f 0644 root sys usr/ok2 ok p.sw.base\n").ok());
   InstallCheck check(idb, dir.file("src"));
   EXPECT_EQ(check.run(), (Lines{"does not read back: usr/a\tb (the destination path holds a tab)",
                                 "does not read back: usr/ok (the tag holds a tab)"}));

@@ -29,7 +29,7 @@ struct Driver {
 
 void saveCallback(Widget, XtPointer clientData, XtPointer) {
   auto* d = static_cast<Driver*>(clientData);
-  int status = d->model->save(d->idb.c_str()) ? 0 : 1;
+  int status = d->model->save(d->idb.c_str()).ok() ? 0 : 1;
   YrApp::theApp()->quit(status);
 }
 

@@ -10,8 +10,8 @@
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
   ForgesetArgs parsed;
-  if (std::optional<std::string> error = ForgesetCommand::parse(args, &parsed)) {
-    std::fprintf(stderr, "%s\n%s", error->c_str(), ForgesetCommand::usage());
+  if (Outcome error = ForgesetCommand::parse(args, &parsed); !error.ok()) {
+    std::fprintf(stderr, "%s\n%s", error.message().c_str(), ForgesetCommand::usage());
     return 2;
   }
   if (parsed.help) {

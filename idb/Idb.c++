@@ -316,8 +316,8 @@ void Idb::indexAdded(int i) {
 
 // ---- Reading
 
-std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) {
-  if (begin < end && *begin == '#') return std::nullopt;
+Outcome Idb::parseLine(char* begin, char* end, bool newline) {
+  if (begin < end && *begin == '#') return Outcome::success();
   char* p = begin;
   // Whether the line is exactly as the writer would write it: single blanks,
   // a one-letter type, a canonical mode, nothing trailing.
@@ -337,13 +337,13 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
 
   char* t = token();
   if (!t) {
-    if (newline) return std::nullopt;  // empty line
-    return std::string("Expected type in field 1");
+    if (newline) return Outcome::success();  // empty line
+    return Outcome::error("Expected type in field 1");
   }
   idb r;
   r._type = t[0];
   tight = tight && t[1] == '\0';
-  if (!(t = token())) return std::string("Expected mode in field 2");
+  if (!(t = token())) return Outcome::error("Expected mode in field 2");
   r._mode = parseMode(t, tight);
   static const char* const kMissing[] = {"Expected owner in field 3", "Expected group in field 4",
                                          "Expected destination path in field 5",
@@ -351,7 +351,7 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
                                          "Expected tag in field 7"};
   const char** fields[] = {&r._owner, &r._group, &r._dstpath, &r._srcpath, &r._tag};
   for (int f = 0; f < 5; ++f) {
-    if (!(t = token())) return std::string(kMissing[f]);
+    if (!(t = token())) return Outcome::error(kMissing[f]);
     *fields[f] = t;
   }
   if (p == end && p[-1] == '\0') tight = false;  // a blank after the tag and nothing more
@@ -362,14 +362,14 @@ std::optional<std::string> Idb::parseLine(char* begin, char* end, bool newline) 
   if (tight && length <= UINT32_MAX) r._lineLength = static_cast<std::uint32_t>(length);
   _records.push_back(r);
   indexAdded(count() - 1);
-  return std::nullopt;
+  return Outcome::success();
 }
 
-std::optional<std::string> Idb::read(std::string_view line) {
+Outcome Idb::readLine(std::string_view line) {
   bool newline = !line.empty() && line.back() == '\n';
   if (newline) line.remove_suffix(1);
-  if (line.find('\0') != std::string_view::npos) return std::string("Unexpected NUL byte");
-  if (line.find('\n') != std::string_view::npos) return std::string("Unexpected newline");
+  if (line.find('\0') != std::string_view::npos) return Outcome::error("Unexpected NUL byte");
+  if (line.find('\n') != std::string_view::npos) return Outcome::error("Unexpected newline");
   char* text = _arena.copy(line);
   return parseLine(text, text + line.size(), newline);
 }
@@ -423,26 +423,25 @@ void Idb::setAttributes(idb& r, const char* const* attrs, std::size_t n, bool ke
   }
 }
 
-std::optional<std::string> Idb::parseLines(char* text, char* end, const char* nul, int firstLine,
-                                           int& badLine) {
+Outcome Idb::parseLines(char* text, char* end, const char* nul, int firstLine, int& badLine) {
   int lineNo = firstLine;
   for (char* p = text; p < end; ++lineNo) {
     char* nl = static_cast<char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
     char* lineEnd = nl ? nl : end;
-    std::optional<std::string> message;
+    Outcome status;
     if (nul && nul >= p && nul < lineEnd) {
-      message = "Unexpected NUL byte";
+      status = Outcome::error("Unexpected NUL byte");
     } else {
       if (nl) *nl = '\0';
-      message = parseLine(p, lineEnd, nl != nullptr);
+      status = parseLine(p, lineEnd, nl != nullptr);
     }
-    if (message) {
+    if (!status.ok()) {
       badLine = lineNo;
-      return message;
+      return status;
     }
     p = nl ? nl + 1 : end;
   }
-  return std::nullopt;
+  return Outcome::success();
 }
 
 void Idb::reserveRecords(std::size_t more) {
@@ -454,7 +453,7 @@ void Idb::reserveRecords(std::size_t more) {
                               (_records.capacity() - _records.size()) * sizeof(idb));
 }
 
-std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
+Outcome Idb::readBuffer(char* text, std::size_t size, const std::string& file) {
   char* end = text + size;
   const char* nul = static_cast<const char*>(std::memchr(text, '\0', size));
   auto countLines = [](const char* from, const char* to) {
@@ -473,19 +472,19 @@ std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const s
   int badLine = 0;
   if (!split) {
     reserveRecords(countLines(text, end) + 1);
-    if (auto message = parseLines(text, end, nul, 1, badLine))
-      return readMessage(file, *message, badLine);
-    return std::nullopt;
+    Outcome status = parseLines(text, end, nul, 1, badLine);
+    if (!status.ok()) return Outcome::error(readMessage(file, status.message(), badLine));
+    return Outcome::success();
   }
   std::size_t firstLines = countLines(text, split);
   std::size_t secondLines = countLines(split, end) + 1;
   reserveRecords(firstLines + secondLines);
   Idb second;
   second.reserveRecords(secondLines);
-  std::optional<std::string> secondMessage;
+  Outcome secondStatus;
   int secondBad = 0;
   auto parseSecond = [&]() {
-    secondMessage = second.parseLines(split, end, nul, static_cast<int>(firstLines) + 1, secondBad);
+    secondStatus = second.parseLines(split, end, nul, static_cast<int>(firstLines) + 1, secondBad);
   };
   bool helped = false;
   std::thread helper;
@@ -495,25 +494,25 @@ std::optional<std::string> Idb::readBuffer(char* text, std::size_t size, const s
   } catch (const std::system_error&) {
     // No thread to be had: the second half waits its turn below.
   }
-  auto message = parseLines(text, split, nul, 1, badLine);
+  Outcome status = parseLines(text, split, nul, 1, badLine);
   if (helped) helper.join();
-  if (message) return readMessage(file, *message, badLine);
+  if (!status.ok()) return Outcome::error(readMessage(file, status.message(), badLine));
   if (!helped) parseSecond();
   for (const idb& r : second._records) {
     _records.push_back(r);
     indexAdded(count() - 1);
   }
   _arena.adopt(second._arena);
-  if (secondMessage) return readMessage(file, *secondMessage, secondBad);
-  return std::nullopt;
+  if (!secondStatus.ok())
+    return Outcome::error(readMessage(file, secondStatus.message(), secondBad));
+  return Outcome::success();
 }
 
-std::optional<std::string> Idb::load(const std::string& file, const char* openFormat,
-                                     bool withReason, bool replace) {
+Outcome Idb::load(const std::string& file, const char* openFormat, bool withReason, bool replace) {
   auto openFailure = [&](int err) {
     std::string m = std::string("Couldn't open idb '") + file + "'";
     if (withReason) m += std::string(" (") + std::strerror(err) + ")";
-    return m + openFormat;
+    return Outcome::error(m + openFormat, err);
   };
   std::FILE* f = std::fopen(file.c_str(), "r");
   if (!f) return openFailure(errno);
@@ -559,15 +558,11 @@ std::optional<std::string> Idb::load(const std::string& file, const char* openFo
   return readBuffer(text, size, file);
 }
 
-std::optional<std::string> Idb::open(const std::string& file) {
-  return load(file, ".", true, true);
-}
+Outcome Idb::open(const std::string& file) { return load(file, ".", true, true); }
 
-std::optional<std::string> Idb::append(const std::string& file) {
-  return load(file, ".\n", false, false);
-}
+Outcome Idb::append(const std::string& file) { return load(file, ".\n", false, false); }
 
-std::optional<std::string> Idb::readText(std::string_view text, const std::string& fileName) {
+Outcome Idb::readText(std::string_view text, const std::string& fileName) {
   char* copy = _arena.buffer(text.size());
   if (!text.empty()) std::memcpy(copy, text.data(), text.size());
   return readBuffer(copy, text.size(), fileName);
@@ -619,25 +614,25 @@ void Idb::formatLines(std::string& out, std::size_t from, std::size_t to) const 
   }
 }
 
-int Idb::save(const std::string& file) {
+Outcome Idb::save(const std::string& file) {
   std::string target = file.empty() ? _name : file;
-  if (target.empty()) return ENOENT;
+  if (target.empty()) return AtomicFile::failure(ENOENT);
   AtomicFile out(target);
-  if (int err = out.open()) return err;
+  if (Outcome opened = out.open(); !opened.ok()) return opened;
   // The records are sorted in memory before they are written; when the
   // write fails they go back to the order the caller knows, so that its
   // positions (the list's lines and selection) still name the same records.
   // Only the permutation is kept for that, not a copy of the records.
   std::vector<std::uint32_t> order;
   sort(&order);
-  auto fail = [this, &order](int err) {
+  auto fail = [this, &order](Outcome failure) {
     if (!order.empty()) {
       std::vector<std::uint32_t> back(order.size());
       for (std::size_t j = 0; j < order.size(); ++j) back[order[j]] = static_cast<std::uint32_t>(j);
       permute(back);
       indexChanged();
     }
-    return err;
+    return failure;
   };
 
   // Lines are formatted in pieces of kChunk records; for a large database a
@@ -669,12 +664,13 @@ int Idb::save(const std::string& file) {
       ok = emit(theirs);
       err = errno;
     }
-    if (!ok) return fail(out.writeError() ? out.writeError() : err ? err : EIO);
+    if (!ok)
+      return fail(AtomicFile::failure(out.writeError() ? out.writeError() : err ? err : EIO));
     at = stop;
   }
-  if (int err = out.commit()) return fail(err);
+  if (Outcome committed = out.commit(); !committed.ok()) return fail(committed);
   if (_name.empty()) _name = target;
-  return 0;
+  return Outcome::success();
 }
 
 void Idb::write(std::string& buf, unsigned i) const {
@@ -741,21 +737,23 @@ const char* Idb::unstorable(std::string_view field) {
   return nullptr;
 }
 
-std::optional<std::string> Idb::storageProblem(int i) const {
+Outcome Idb::storageProblem(int i) const {
   const idb* r = (*this)[i];
-  if (!r) return std::nullopt;
+  if (!r) return Outcome::success();
   static const char* const kNames[] = {"owner", "group", "destination path", "source path", "tag"};
   const std::string_view fields[] = {r->owner(), r->group(), r->dstpath(), r->srcpath(), r->tag()};
   for (int f = 0; f < 5; ++f)
-    if (const char* why = unstorable(fields[f])) return std::string("the ") + kNames[f] + " " + why;
+    if (const char* why = unstorable(fields[f]))
+      return Outcome::error(std::string("the ") + kNames[f] + " " + why);
   // What is left to differ: the type letter, the mode, the attributes.
   Idb again;
-  if (again.read(line(i)) || again.count() != 1) return std::string("the line does not read back");
+  if (!again.readLine(line(i)).ok() || again.count() != 1)
+    return Outcome::error("the line does not read back");
   const idb& b = again._records[0];
-  if (b.type() != r->type()) return std::string("the type does not read back the same");
-  if (b.mode() != r->mode()) return std::string("the mode does not read back the same");
-  if (b.attrs() != r->attrs()) return std::string("the attributes do not read back the same");
-  return std::nullopt;
+  if (b.type() != r->type()) return Outcome::error("the type does not read back the same");
+  if (b.mode() != r->mode()) return Outcome::error("the mode does not read back the same");
+  if (b.attrs() != r->attrs()) return Outcome::error("the attributes do not read back the same");
+  return Outcome::success();
 }
 
 int Idb::addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,

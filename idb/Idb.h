@@ -1,5 +1,8 @@
 // Idb: the installation database, one record per installed file.
 //
+// One record is the class idb (lower case): that is the format's own name
+// for a record, kept beside the database class that holds them.
+//
 // Text format, one record a line (fixed by the files in the field):
 //
 //   type mode owner group dstpath srcpath tag [attr ...]
@@ -12,14 +15,14 @@
 //   l 0777 root sys usr/lib/x lib/x tool.sw.base symval(x.1)
 //
 // Conventions of this class:
-// - Failures are returned, never shown: functions that can fail on bad input
-//   return std::optional<std::string>, empty on success, else the message for
-//   the message log.  save() returns 0 or the system error number.
+// - Failures are returned, never shown: functions that can fail return an
+//   Outcome, ok on success, else the message for the message log (and the
+//   system error number where there is one).
 // - Numbering is deliberately mixed: operator[], the setters, deleteItem and
 //   write take a ZERO-based index; addAttribute, deleteAttributes, remove and
 //   parseAttributes take a ONE-based item number (item n is index n-1).
 // - Record pointers stay valid until the next call that adds, removes or
-//   reorders records (read, readText, add, addRecord, append, open, remove,
+//   reorders records (readLine, readText, add, addRecord, append, open, remove,
 //   removeItems, sort, save, operator=, clear).  Views of field values stay
 //   valid, even after the field is set anew, until open(), clear() or
 //   operator= on this Idb or its end, and as long as a copy made with
@@ -33,19 +36,20 @@
 #include <sys/stat.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "idb/TextArena.h"
+#include "util/Outcome.h"
 
 /// The type letter of a file: s d b c p l, anything else f.
 char type(const struct stat& st);
 
-/// One record of an Idb.  Read-only here: edits go through the Idb that
-/// holds it, which owns the storage of its strings.
+/// One record of an Idb (idb is the format's name for a record).  Read-only
+/// here: edits go through the Idb that holds it, which owns the storage of
+/// its strings.
 class idb {
  public:
   char type() const { return _type; }
@@ -113,23 +117,24 @@ class Idb {
   /// Replaces the contents with the records of file; the name becomes file.
   /// "Couldn't open idb '%s' (%s)." leaves everything unchanged;
   /// "Couldn't read idb '%s' (%s on line %d)." keeps the records read
-  /// before the bad line; %s is a read() message.
-  std::optional<std::string> open(const std::string& file);
+  /// before the bad line; %s is a readLine() message.  A file that cannot be
+  /// opened or read gives the system error number as code().
+  Outcome open(const std::string& file);
   /// Adds the records of file behind the present ones; the name stays.
   /// "Couldn't open idb '%s'.\n" (sic, newline included) when the file
   /// cannot be opened; read failures as for open().
-  std::optional<std::string> append(const std::string& file);
+  Outcome append(const std::string& file);
   /// Sorts the records (sort()) and writes them to file, or to name() when
-  /// file is empty, replacing the file atomically (AtomicFile).  Returns 0,
-  /// AtomicFile::kNotRegular for a target that is not a regular file, or the
-  /// system error number; on failure the file on disk, name() and the order
-  /// of the records are unchanged.  A nameless database takes file as its
-  /// name.
-  int save(const std::string& file = std::string());
+  /// file is empty, replacing the file atomically (AtomicFile).  Fails as
+  /// AtomicFile does: code() AtomicFile::kNotRegular for a target that is not
+  /// a regular file, else the system error number (ENOENT when there is no
+  /// name at all), message AtomicFile::describe(code()); on failure the file
+  /// on disk, name() and the order of the records are unchanged.  A nameless
+  /// database takes file as its name.
+  Outcome save(const std::string& file = std::string());
   /// Parses text in the file format (as open() does, "x" standing for the
   /// file name in messages), adding its records behind the present ones.
-  std::optional<std::string> readText(std::string_view text,
-                                      const std::string& fileName = "x");
+  Outcome readText(std::string_view text, const std::string& fileName = "x");
 
   // ---- Lines and records
   /// Parses one line (a trailing newline is allowed) into a new record.
@@ -137,7 +142,7 @@ class Idb {
   /// field ("Expected owner in field 3"), or is "Unexpected NUL byte" or
   /// "Unexpected newline" (a line holds no other newline); a record whose
   /// line fails is not added.
-  std::optional<std::string> read(std::string_view line);
+  Outcome readLine(std::string_view line);
   /// Record i formatted as one line without newline, into buf; buf is left
   /// alone when i is out of range.
   void write(std::string& buf, unsigned i) const;
@@ -157,8 +162,8 @@ class Idb {
   static const char* unstorable(std::string_view field);
   /// Why record i (zero-based) would not read back as the same record once
   /// written ("the source path holds a blank", "the attributes do not read
-  /// back the same"), or nothing when it would.
-  std::optional<std::string> storageProblem(int i) const;
+  /// back the same") as a failed Outcome, or ok when it would.
+  Outcome storageProblem(int i) const;
   /// Appends a record with the given fields; returns its zero-based index.
   int addRecord(char type, std::uint32_t mode, std::string_view owner, std::string_view group,
                 std::string_view dstpath, std::string_view srcpath, std::string_view tag,
@@ -202,13 +207,11 @@ class Idb {
   std::size_t storageBytes() const { return _arena.bytes(); }
 
  private:
-  std::optional<std::string> parseLine(char* begin, char* end, bool newline);
-  std::optional<std::string> readBuffer(char* text, std::size_t size, const std::string& file);
-  std::optional<std::string> parseLines(char* text, char* end, const char* nul, int firstLine,
-                                        int& badLine);
+  Outcome parseLine(char* begin, char* end, bool newline);
+  Outcome readBuffer(char* text, std::size_t size, const std::string& file);
+  Outcome parseLines(char* text, char* end, const char* nul, int firstLine, int& badLine);
   void reserveRecords(std::size_t more);
-  std::optional<std::string> load(const std::string& file, const char* openFormat, bool withReason,
-                                  bool replace);
+  Outcome load(const std::string& file, const char* openFormat, bool withReason, bool replace);
   void splitAttributes(char* text, std::vector<const char*>& out, bool* tight = nullptr) const;
   void setAttributes(idb& rec, const char* const* attrs, std::size_t n, bool keepOld);
   static void appendLine(std::string& out, const idb& r);

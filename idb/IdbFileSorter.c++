@@ -162,7 +162,7 @@ class Scanner {
   // A line the writer would change: Idb reads it and formats it.
   bool reformat(std::string_view line) {
     int before = _scratch.count();
-    if (_scratch.read(line)) return false;
+    if (!_scratch.readLine(line).ok()) return false;
     if (_scratch.count() == before) return true;  // blanks only
     _scratch.write(_line, static_cast<unsigned>(before));
     std::size_t path = 0;
@@ -386,7 +386,7 @@ struct IdbFileSorter::State {
 IdbFileSorter::IdbFileSorter() = default;
 IdbFileSorter::~IdbFileSorter() = default;
 
-std::optional<std::string> IdbFileSorter::read(const std::string& in) {
+Outcome IdbFileSorter::read(const std::string& in) {
   _state = std::make_unique<State>();
   auto input = std::make_unique<Mapping>(in);
   if (input->data() && !std::memchr(input->data(), '\0', input->size())) {
@@ -397,31 +397,29 @@ std::optional<std::string> IdbFileSorter::read(const std::string& in) {
       Text text{input->data(), input->size(), _state->extra.data(), _state->extra.size()};
       sortEntries(text, _state->entries);
       _state->input = std::move(input);
-      return std::nullopt;
+      return Outcome::success();
     }
   }
   // Idb gives the messages, whatever made the fast way give up.
   _state->db = std::make_unique<Idb>();
-  if (auto message = _state->db->open(in)) {
-    _state.reset();
-    return message;
-  }
-  return std::nullopt;
+  Outcome status = _state->db->open(in);
+  if (!status.ok()) _state.reset();
+  return status;
 }
 
-int IdbFileSorter::write(std::FILE* out) const {
-  if (!_state) return EINVAL;
-  if (_state->db) return writeIdb(*_state->db, out);
+Outcome IdbFileSorter::write(std::FILE* out) const {
+  if (!_state) return AtomicFile::failure(EINVAL);
+  if (_state->db) return AtomicFile::failure(writeIdb(*_state->db, out));
   const Mapping& input = *_state->input;
   Text text{input.data(), input.size(), _state->extra.data(), _state->extra.size()};
-  return writeEntries(text, _state->entries, out);
+  return AtomicFile::failure(writeEntries(text, _state->entries, out));
 }
 
-IdbFileSorter::Result IdbFileSorter::sortFile(const std::string& in, const std::string& out) {
+Outcome IdbFileSorter::sortFile(const std::string& in, const std::string& out) {
   IdbFileSorter sorter;
-  if (auto message = sorter.read(in)) return {message, 0};
+  if (Outcome status = sorter.read(in); !status.ok()) return status;
   AtomicFile file(out);
-  if (int err = file.open()) return {std::nullopt, err};
-  if (int err = sorter.write(file.stream())) return {std::nullopt, err};
-  return {std::nullopt, file.commit()};
+  if (Outcome status = file.open(); !status.ok()) return status;
+  if (Outcome status = sorter.write(file.stream()); !status.ok()) return status;
+  return file.commit();
 }

@@ -17,32 +17,28 @@
 
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <string>
+
+#include "util/Outcome.h"
 
 class IdbFileSorter {
  public:
-  struct Result {
-    /// The message of Idb::open when the input could not be read; nothing
-    /// is written then.
-    std::optional<std::string> readMessage;
-    /// 0, or the system error number of saving (the output is unchanged).
-    int saveError = 0;
-  };
-
   IdbFileSorter();
   ~IdbFileSorter();
   IdbFileSorter(const IdbFileSorter&) = delete;
   IdbFileSorter& operator=(const IdbFileSorter&) = delete;
 
-  /// Reads and sorts in; Idb::open's message when it cannot be read.  The
-  /// input stays mapped until the sorter goes.
-  std::optional<std::string> read(const std::string& in);
-  /// Writes the lines read, in order, to out: 0 or the system error number.
-  int write(std::FILE* out) const;
+  /// Reads and sorts in; fails as Idb::open does when it cannot be read.
+  /// The input stays mapped until the sorter goes.
+  Outcome read(const std::string& in);
+  /// Writes the lines read, in order, to out; fails with the system error
+  /// number (AtomicFile::failure).
+  Outcome write(std::FILE* out) const;
 
   /// Sorts in into out (out may be in): the target is replaced atomically.
-  static Result sortFile(const std::string& in, const std::string& out);
+  /// Fails as read() when in cannot be read (nothing is written then), else
+  /// as AtomicFile when out cannot be saved (out is unchanged).
+  static Outcome sortFile(const std::string& in, const std::string& out);
 
  private:
   struct State;

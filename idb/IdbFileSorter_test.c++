@@ -14,15 +14,14 @@ namespace {
 // What opening and saving through Idb writes: the bytes the sorter must match.
 std::string savedByIdb(const TempDir& dir, const std::string& in) {
   Idb db;
-  EXPECT_FALSE(db.open(dir.file(in)));
-  EXPECT_EQ(0, db.save(dir.file("idb.out")));
+  EXPECT_TRUE(db.open(dir.file(in)).ok());
+  EXPECT_TRUE(db.save(dir.file("idb.out")).ok());
   return dir.read("idb.out");
 }
 
 std::string sortedBySorter(const TempDir& dir, const std::string& in) {
-  IdbFileSorter::Result r = IdbFileSorter::sortFile(dir.file(in), dir.file("sorter.out"));
-  EXPECT_FALSE(r.readMessage) << *r.readMessage;
-  EXPECT_EQ(0, r.saveError);
+  Outcome status = IdbFileSorter::sortFile(dir.file(in), dir.file("sorter.out"));
+  EXPECT_TRUE(status.ok()) << status.message();
   return dir.read("sorter.out");
 }
 
@@ -108,10 +107,10 @@ TEST(IdbFileSorterTest, FailuresAreIdbsAndWriteNothing) {
   for (const Case& c : cases) {
     TempDir dir;
     std::string in = c.in.empty() ? dir.file("none.idb") : dir.write("in.idb", c.in);
-    IdbFileSorter::Result r = IdbFileSorter::sortFile(in, dir.file("out.idb"));
+    Outcome status = IdbFileSorter::sortFile(in, dir.file("out.idb"));
     std::string message = c.message;
     message.replace(message.find('%'), 1, in);
-    EXPECT_EQ(message, r.readMessage.value_or("")) << c.name;
+    EXPECT_EQ(message, status.message()) << c.name;
     EXPECT_EQ("<missing>", dir.read("out.idb")) << c.name;
   }
 }
@@ -119,14 +118,14 @@ TEST(IdbFileSorterTest, FailuresAreIdbsAndWriteNothing) {
 TEST(IdbFileSorterTest, SortsInPlaceAndReportsSaveErrors) {
   TempDir dir;
   std::string in = dir.write("in.idb", "f 0644 r s b b t\nf 0644 r s a a t\n");
-  IdbFileSorter::Result r = IdbFileSorter::sortFile(in, in);
-  EXPECT_FALSE(r.readMessage);
-  EXPECT_EQ(0, r.saveError);
+  Outcome status = IdbFileSorter::sortFile(in, in);
+  EXPECT_TRUE(status.ok()) << status.message();
   EXPECT_EQ("f 0644 r s a a t\nf 0644 r s b b t\n", dir.read("in.idb"));
 
-  r = IdbFileSorter::sortFile(in, dir.file("no/dir/out.idb"));
-  EXPECT_FALSE(r.readMessage);
-  EXPECT_EQ(ENOENT, r.saveError);
+  // A save failure, not Idb's "Couldn't open idb" for the input.
+  status = IdbFileSorter::sortFile(in, dir.file("no/dir/out.idb"));
+  EXPECT_EQ("No such file or directory", status.message());
+  EXPECT_EQ(ENOENT, status.code());
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // As a whole file.
   Idb whole;
-  bool failed = whole.readText(text, "fuzz.idb").has_value();
+  bool failed = !whole.readText(text, "fuzz.idb").ok();
 
   // Line by line: up to the first bad line the records are the same.
   Idb byLine;
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t at = 0; at < text.size();) {
     std::size_t nl = text.find('\n', at);
     std::size_t end = nl == std::string_view::npos ? text.size() : nl + 1;
-    if (byLine.read(text.substr(at, end - at))) break;
+    if (!byLine.readLine(text.substr(at, end - at)).ok()) break;
     at = end;
   }
   for (; compared < whole.count() && compared < byLine.count(); ++compared)
@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   std::string first = written(plain);
   Idb again;
-  check(!again.readText(first));
+  check(again.readText(first).ok());
   check(written(again) == first);
 
   // Sorting keeps every record and orders the destinations.

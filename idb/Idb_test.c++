@@ -19,6 +19,9 @@
 
 namespace {
 
+// What storageProblem() found, "none" when the record reads back.
+std::string problem(const Outcome& status) { return status.ok() ? "none" : status.message(); }
+
 std::vector<std::string> lines(const Idb& db) {
   std::vector<std::string> out;
   for (int i = 0; i < db.count(); ++i) out.push_back(db.line(i));
@@ -33,8 +36,8 @@ std::vector<std::string> dsts(const Idb& db) {
 
 Idb parsed(const std::string& text) {
   Idb db;
-  auto message = db.readText(text);
-  EXPECT_FALSE(message) << *message;
+  Outcome status = db.readText(text);
+  EXPECT_TRUE(status.ok()) << status.message();
   return db;
 }
 
@@ -81,8 +84,8 @@ TEST(IdbReadTest, FieldsOfOneLine) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
     Idb db;
-    auto message = db.read(c.line);
-    ASSERT_FALSE(message) << *message;
+    Outcome status = db.readLine(c.line);
+    ASSERT_TRUE(status.ok()) << status.message();
     ASSERT_EQ(1, db.count());
     const idb& r = *db[0];
     EXPECT_EQ(c.type, r.type());
@@ -121,12 +124,12 @@ TEST(IdbReadTest, SkippedLinesAndMessages) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
     Idb db;
-    auto message = db.read(c.line);
+    Outcome status = db.readLine(c.line);
     if (c.message) {
-      ASSERT_TRUE(message);
-      EXPECT_EQ(c.message, *message);
+      ASSERT_FALSE(status.ok());
+      EXPECT_EQ(c.message, status.message());
     } else {
-      EXPECT_FALSE(message);
+      EXPECT_TRUE(status.ok());
     }
     EXPECT_EQ(0, db.count());
   }
@@ -153,8 +156,8 @@ TEST(IdbReadTest, FileMessagesNameTheLineAndKeepEarlierRecords) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     Idb db;
-    auto message = db.readText(c.text, "x.idb");
-    EXPECT_EQ(c.message, message.value_or(""));
+    Outcome status = db.readText(c.text, "x.idb");
+    EXPECT_EQ(c.message, status.message());
     EXPECT_EQ(c.kept, db.count());
   }
 }
@@ -184,7 +187,7 @@ TEST(IdbReadTest, AttributeSplitting) {
     // Through the line reader ...
     Idb db;
     std::string line = std::string("f 0644 root sys a b t ") + c.text + "\n";
-    ASSERT_FALSE(db.read(line));
+    ASSERT_TRUE(db.readLine(line).ok());
     EXPECT_EQ(c.attrs, db[0]->attrs());
     // ... and when assigned to an existing record.
     Idb other;
@@ -210,12 +213,12 @@ TEST(IdbFileTest, RoundTripIsByteStable) {
   TempDir dir;
   std::string first = dir.write("in.idb", text);
   Idb db;
-  ASSERT_FALSE(db.open(first));
+  ASSERT_TRUE(db.open(first).ok());
   EXPECT_EQ(5, db.count());
-  ASSERT_EQ(0, db.save(dir.file("one.idb")));
+  ASSERT_TRUE(db.save(dir.file("one.idb")).ok());
   Idb again;
-  ASSERT_FALSE(again.open(dir.file("one.idb")));
-  ASSERT_EQ(0, again.save(dir.file("two.idb")));
+  ASSERT_TRUE(again.open(dir.file("one.idb")).ok());
+  ASSERT_TRUE(again.save(dir.file("two.idb")).ok());
   EXPECT_EQ(dir.read("one.idb"), dir.read("two.idb"));
   EXPECT_EQ(
       "c 0600 root sys dev/null dev/null tool.sw.base dev(1,3)\n"
@@ -280,28 +283,28 @@ TEST(IdbFileTest, SortIsByteOrderAndStable) {
 TEST(IdbFileTest, SaveSortsAndKeepsNameRules) {
   TempDir dir;
   Idb db;
-  ASSERT_FALSE(db.readText("f 0644 root sys b b t\nf 0644 root sys a a t\n"));
+  ASSERT_TRUE(db.readText("f 0644 root sys b b t\nf 0644 root sys a a t\n").ok());
   EXPECT_EQ("", db.name());
-  EXPECT_EQ(ENOENT, db.save());  // nameless and no target
-  ASSERT_EQ(0, db.save(dir.file("new.idb")));
+  EXPECT_EQ(ENOENT, db.save().code());  // nameless and no target
+  ASSERT_TRUE(db.save(dir.file("new.idb")).ok());
   EXPECT_EQ(dir.file("new.idb"), db.name());  // a nameless database takes the target
   EXPECT_EQ((std::vector<std::string>{"a", "b"}), dsts(db));
   EXPECT_EQ("f 0644 root sys a a t\nf 0644 root sys b b t\n", dir.read("new.idb"));
 
   // Failure: the errno comes back and nothing changes on disk or in memory.
   db.addRecord('f', 0644, "root", "sys", "0", "0", "t");
-  EXPECT_EQ(ENOENT, db.save(dir.file("no/such/dir/x.idb")));
+  EXPECT_EQ(ENOENT, db.save(dir.file("no/such/dir/x.idb")).code());
   EXPECT_EQ(dir.file("new.idb"), db.name());
   EXPECT_EQ((std::vector<std::string>{"a", "b", "0"}), dsts(db));  // not sorted after all
   const std::string fifo = dir.file("fifo");
   ASSERT_EQ(0, mkfifo(fifo.c_str(), 0644));
-  EXPECT_EQ(AtomicFile::kNotRegular, db.save(fifo));
+  EXPECT_EQ(AtomicFile::kNotRegular, db.save(fifo).code());
   EXPECT_EQ((std::vector<std::string>{"a", "b", "0"}), dsts(db));
   // A writable file in a directory that is not is written in place.
   dir.mkdir("ro");
   std::string kept = dir.write("ro/kept.idb", "old\n");
   chmod(dir.file("ro").c_str(), 0555);
-  EXPECT_EQ(0, db.save(kept));
+  EXPECT_TRUE(db.save(kept).ok());
   EXPECT_EQ("f 0644 root sys 0 0 t\nf 0644 root sys a a t\nf 0644 root sys b b t\n",
             dir.read("ro/kept.idb"));
   chmod(dir.file("ro").c_str(), 0755);
@@ -310,7 +313,7 @@ TEST(IdbFileTest, SaveSortsAndKeepsNameRules) {
   std::string real = dir.write("real.idb", "");
   chmod(real.c_str(), 0640);
   ASSERT_EQ(0, symlink("real.idb", dir.file("link.idb").c_str()));
-  ASSERT_EQ(0, db.save(dir.file("link.idb")));
+  ASSERT_TRUE(db.save(dir.file("link.idb")).ok());
   struct stat st;
   ASSERT_EQ(0, lstat(dir.file("link.idb").c_str(), &st));
   EXPECT_TRUE(S_ISLNK(st.st_mode));
@@ -327,22 +330,22 @@ TEST(IdbFileTest, OpenAndAppendMessages) {
   std::string missing = dir.file("missing.idb");
 
   Idb db;
-  ASSERT_FALSE(db.open(good));
+  ASSERT_TRUE(db.open(good).ok());
   EXPECT_EQ("Couldn't open idb '" + missing + "' (No such file or directory).",
-            db.open(missing).value_or(""));
+            db.open(missing).message());
   EXPECT_EQ(good, db.name());  // unchanged
   EXPECT_EQ(1, db.count());
   EXPECT_EQ("Couldn't open idb '" + dir.path() + "' (Is a directory).",
-            db.open(dir.path()).value_or(""));
+            db.open(dir.path()).message());
   EXPECT_EQ(1, db.count());
-  EXPECT_EQ("Couldn't open idb '" + missing + "'.\n", db.append(missing).value_or(""));
+  EXPECT_EQ("Couldn't open idb '" + missing + "'.\n", db.append(missing).message());
 
   EXPECT_EQ("Couldn't read idb '" + bad + "' (Expected destination path in field 5 on line 2).",
-            db.append(bad).value_or(""));
+            db.append(bad).message());
   EXPECT_EQ((std::vector<std::string>{"a", "b"}), dsts(db));
   EXPECT_EQ(good, db.name());  // append keeps the name
 
-  EXPECT_TRUE(db.open(bad));
+  EXPECT_FALSE(db.open(bad).ok());
   EXPECT_EQ(bad, db.name());
   EXPECT_EQ((std::vector<std::string>{"b"}), dsts(db));
 }
@@ -370,13 +373,13 @@ TEST(IdbFileTest, LargeFilesMatchLineByLineReading) {
   ASSERT_GT(text.size(), 4u << 20);
 
   Idb db;
-  ASSERT_FALSE(db.readText(text));
+  ASSERT_TRUE(db.readText(text).ok());
   ASSERT_EQ(expected, lines(db));
   Idb oneByOne;
   std::size_t at = 0;
   while (at < text.size()) {
     std::size_t nl = text.find('\n', at);
-    ASSERT_FALSE(oneByOne.read(text.substr(at, nl + 1 - at)));
+    ASSERT_TRUE(oneByOne.readLine(text.substr(at, nl + 1 - at)).ok());
     at = nl + 1;
   }
   ASSERT_EQ(expected, lines(oneByOne));
@@ -390,7 +393,7 @@ TEST(IdbFileTest, LargeFilesMatchLineByLineReading) {
     return dstOf(a) < dstOf(b);
   });
   TempDir dir;
-  ASSERT_EQ(0, db.save(dir.file("big.idb")));
+  ASSERT_TRUE(db.save(dir.file("big.idb")).ok());
   std::string joined;
   for (const std::string& l : expected) joined += l + "\n";
   EXPECT_EQ(joined, dir.read("big.idb"));
@@ -401,15 +404,15 @@ TEST(IdbFileTest, LargeFilesMatchLineByLineReading) {
   std::size_t secondHalf = text.find("\nl 0777", text.size() * 3 / 4) + 1;
   for (std::size_t cut : {firstHalf, secondHalf}) {
     Idb before;
-    ASSERT_FALSE(before.readText(text.substr(0, cut)));
+    ASSERT_TRUE(before.readText(text.substr(0, cut)).ok());
     for (const std::string& bad : {std::string("f 0644 root\n"), std::string("f 0644 r\0t sys a b t\n", 22)}) {
       std::string broken = text.substr(0, cut) + bad + text.substr(cut);
       int line = 1 + static_cast<int>(std::count(broken.begin(), broken.begin() + cut, '\n'));
       Idb partial;
-      auto message = partial.readText(broken, "big.idb");
+      Outcome status = partial.readText(broken, "big.idb");
       std::string what = bad.size() > 12 ? "Unexpected NUL byte" : "Expected group in field 4";
       EXPECT_EQ("Couldn't read idb 'big.idb' (" + what + " on line " + std::to_string(line) + ").",
-                message.value_or(""));
+                status.message());
       EXPECT_EQ(lines(before), lines(partial));
     }
   }
@@ -428,9 +431,9 @@ TEST(IdbFileTest, ReadsFromPipes) {
     std::fclose(f);
   });
   Idb db;
-  auto message = db.open(fifo);
+  Outcome status = db.open(fifo);
   writer.join();
-  EXPECT_FALSE(message);
+  EXPECT_TRUE(status.ok()) << status.message();
   ASSERT_EQ(3000, db.count());
   EXPECT_EQ("f 0644 root sys d2999 s t", db.line(2999));
 }
@@ -558,7 +561,7 @@ TEST(IdbEditTest, FindFollowsEveryChange) {
     switch (rng() % 7) {
       case 0:
       case 1: db.addRecord('f', 0644, "root", "sys", name(), "s", "t"); break;
-      case 2: db.read("f 0644 root sys " + name() + " s t\n"); break;
+      case 2: (void)db.readLine("f 0644 root sys " + name() + " s t\n"); break;
       case 3: if (db.count()) db.setDstpath(rng() % db.count(), name()); break;
       case 4: if (db.count() > 30) db.remove(1 + rng() % db.count()); break;
       case 5: if (rng() % 10 == 0) db.sort(); break;
@@ -643,7 +646,7 @@ TEST(IdbEditTest, StorageProblemsOfRecords) {
   Idb db;
   // Read from text: a tab is kept inside a field, but other readers split
   // at it.
-  ASSERT_FALSE(db.readText("f 0644 root sys a\tb ab t\nf 0644 root sys ok ok t 'x y' a\\ b\n"));
+  ASSERT_TRUE(db.readText("f 0644 root sys a\tb ab t\nf 0644 root sys ok ok t 'x y' a\\ b\n").ok());
   const struct {
     const char* fields[5];  // owner, group, dstpath, srcpath, tag
     std::vector<std::string> attrs;
@@ -657,12 +660,12 @@ TEST(IdbEditTest, StorageProblemsOfRecords) {
       {{"root", "sys", "a", "a", "t"}, {"two words"}, "the attributes do not read back the same"},
       {{"root", "sys", "a", "a", "t"}, {""}, "the attributes do not read back the same"},
   };
-  EXPECT_EQ("the destination path holds a tab", db.storageProblem(0).value_or("none"));
-  EXPECT_FALSE(db.storageProblem(1));
+  EXPECT_EQ("the destination path holds a tab", problem(db.storageProblem(0)));
+  EXPECT_TRUE(db.storageProblem(1).ok());
   for (const auto& c : cases) {
     int i = db.addRecord('f', 0644, c.fields[0], c.fields[1], c.fields[2], c.fields[3],
                          c.fields[4], c.attrs);
-    EXPECT_EQ(c.problem ? c.problem : "none", db.storageProblem(i).value_or("none"))
+    EXPECT_EQ(c.problem ? c.problem : "none", problem(db.storageProblem(i)))
         << db.line(i);
   }
   EXPECT_EQ("", Idb::relativePath("/r", "/r"));

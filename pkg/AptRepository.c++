@@ -26,12 +26,16 @@ std::string field(const std::string& paragraph, const std::string& name) {
   return "";
 }
 
-std::optional<std::string> save(const std::string& path, const std::string& bytes) {
+Outcome save(const std::string& path, const std::string& bytes) {
   AtomicFile file(path);
-  if (int err = file.open()) return "cannot write " + path + " (" + std::strerror(err) + ")";
-  std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
-  if (int err = file.commit()) return "cannot write " + path + " (" + std::strerror(err) + ")";
-  return std::nullopt;
+  Outcome status = file.open();
+  if (status.ok()) {
+    std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
+    status = file.commit();
+  }
+  if (status.ok()) return status;
+  return Outcome::error("cannot write " + path + " (" + std::strerror(status.code()) + ")",
+                        status.code());
 }
 
 std::string rfc2822(std::time_t t) {
@@ -49,9 +53,8 @@ std::string AptRepository::paragraph(const DebResult& deb) {
          "\nMD5sum: " + deb.md5 + "\nSHA256: " + deb.sha256 + "\n";
 }
 
-std::optional<std::string> AptRepository::write(const std::string& dist,
-                                                const std::vector<DebResult>& written,
-                                                std::time_t date) {
+Outcome AptRepository::write(const std::string& dist, const std::vector<DebResult>& written,
+                             std::time_t date) {
   std::map<std::string, std::string> byFile;  // file name -> paragraph
   std::set<std::string> names;
   for (const DebResult& deb : written) {
@@ -110,7 +113,7 @@ std::optional<std::string> AptRepository::write(const std::string& dist,
     sha256_digest(&c, sizeof d, d);
     release += " " + DebWriter::hex(d, sizeof d) + " " + std::to_string(bytes->size()) + " " + name + "\n";
   }
-  if (auto why = save(dist + "/Packages", packages)) return why;
-  if (auto why = save(dist + "/Packages.gz", gz)) return why;
+  if (Outcome why = save(dist + "/Packages", packages); !why.ok()) return why;
+  if (Outcome why = save(dist + "/Packages.gz", gz); !why.ok()) return why;
   return save(dist + "/Release", release);
 }

@@ -11,17 +11,18 @@
 #define TAMBLIN_PKG_APTREPOSITORY_H
 
 #include <ctime>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "util/Outcome.h"
 
 struct DebResult;
 
 class AptRepository {
  public:
-  /// Writes the index files of dist; nothing or why it failed.
-  static std::optional<std::string> write(const std::string& dist,
-                                          const std::vector<DebResult>& written, std::time_t date);
+  /// Writes the index files of dist; fails saying why.
+  static Outcome write(const std::string& dist, const std::vector<DebResult>& written,
+                       std::time_t date);
   /// The Packages paragraph of one written package (with its final newline,
   /// without the blank line that separates paragraphs).
   static std::string paragraph(const DebResult& deb);

@@ -14,30 +14,33 @@ BuildInput::BuildInput(Reporter* reporter) : _spec(std::make_unique<SpecGraphMod
 
 BuildInput::~BuildInput() = default;
 
-std::optional<std::string> BuildInput::setSourceRoot(const std::string& given) {
+Outcome BuildInput::setSourceRoot(const std::string& given) {
   const char* sbase = std::getenv("SBASE");
   const std::string root = normalize(!given.empty() ? given : sbase ? sbase : "");
   struct stat st;
   if (::stat(root.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
-    return "Source Root '" + root + "' is not a directory.";
+    return Outcome::error("Source Root '" + root + "' is not a directory.");
   _sourceRoot = root;
-  return std::nullopt;
+  return Outcome::success();
 }
 
 // Line by line through the idb's own reader, so that each record knows the
 // line it came from.
-std::optional<std::string> BuildInput::loadIdb(const std::string& file) {
+Outcome BuildInput::loadIdb(const std::string& file) {
   _idb.clear();
   _lines.clear();
   _idbFile = file;
   std::FILE* f = std::fopen(file.c_str(), "r");
-  if (!f) return "Couldn't open idb '" + file + "' (" + std::strerror(errno) + ").";
+  auto cannotOpen = [&file](int err) {
+    return Outcome::error("Couldn't open idb '" + file + "' (" + std::strerror(err) + ").", err);
+  };
+  if (!f) return cannotOpen(errno);
   std::string text;
   char chunk[65536];
   for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, f)) > 0;) text.append(chunk, n);
   const int err = std::ferror(f) ? errno : 0;
   std::fclose(f);
-  if (err) return "Couldn't open idb '" + file + "' (" + std::strerror(err) + ").";
+  if (err) return cannotOpen(err);
   _idb.setName(file);
   size_t pos = 0;
   int line = 0;
@@ -46,14 +49,14 @@ std::optional<std::string> BuildInput::loadIdb(const std::string& file) {
     end = end == std::string::npos ? text.size() : end + 1;
     line++;
     const int before = _idb.count();
-    if (std::optional<std::string> message =
-            _idb.read(std::string_view(text).substr(pos, end - pos)))
-      return "Couldn't read idb '" + file + "' (" + *message + " on line " +
-             std::to_string(line) + ").";
+    Outcome status = _idb.readLine(std::string_view(text).substr(pos, end - pos));
+    if (!status.ok())
+      return Outcome::error("Couldn't read idb '" + file + "' (" + status.message() + " on line " +
+                            std::to_string(line) + ").");
     if (_idb.count() > before) _lines.push_back(line);
     pos = end;
   }
-  return std::nullopt;
+  return Outcome::success();
 }
 
 bool BuildInput::loadSpec(const std::string& file) {

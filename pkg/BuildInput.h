@@ -15,6 +15,7 @@
 
 #include "filelist/InstallCheck.h"
 #include "idb/Idb.h"
+#include "util/Outcome.h"
 
 class Reporter;
 class SpecGraphModel;
@@ -28,14 +29,14 @@ class BuildInput {
   BuildInput& operator=(const BuildInput&) = delete;
 
   /// The source root: given, else "SBASE", else the current directory,
-  /// normalized.  An error message when it is not a directory:
+  /// normalized.  Fails when it is not a directory:
   /// "Source Root '%s' is not a directory."
-  std::optional<std::string> setSourceRoot(const std::string& given);
+  Outcome setSourceRoot(const std::string& given);
   const std::string& sourceRoot() const { return _sourceRoot; }
 
   /// Reads the idb file; the messages are those of Idb::open ("Couldn't
   /// open idb '%s' (%s)." and "Couldn't read idb '%s' (%s on line %d).").
-  std::optional<std::string> loadIdb(const std::string& file);
+  Outcome loadIdb(const std::string& file);
   /// Reads the spec file; false when it could not be read whole (the reader
   /// has said why through the reporter).
   bool loadSpec(const std::string& file);

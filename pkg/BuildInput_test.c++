@@ -28,7 +28,7 @@ TEST_F(BuildInputTest, RecordsKnowTheirLines) {
                                     "\n"
                                     "f 0644 root sys usr/lib/b lib/b p.sw.lib config(noupdate)\n"
                                     "d 0755 root sys usr/share/c c p.sw.lib");
-  ASSERT_FALSE(input.loadIdb(idb));
+  ASSERT_TRUE(input.loadIdb(idb).ok());
   ASSERT_EQ(3, input.idb().count());
   EXPECT_EQ(2, input.recordLine(0));
   EXPECT_EQ(4, input.recordLine(1));
@@ -40,31 +40,31 @@ TEST_F(BuildInputTest, RecordsKnowTheirLines) {
 TEST_F(BuildInputTest, IdbMessagesAreTheIdbsOwn) {
   const std::string bad = dir.write("bad.idb", "f 0644 root sys a a t\n# c\nf 0644 root sys b b\n");
   EXPECT_EQ("Couldn't read idb '" + bad + "' (Expected tag in field 7 on line 3).",
-            input.loadIdb(bad).value_or("-"));
+            input.loadIdb(bad).message());
   const std::string none = dir.file("none.idb");
   EXPECT_EQ("Couldn't open idb '" + none + "' (No such file or directory).",
-            input.loadIdb(none).value_or("-"));
+            input.loadIdb(none).message());
 }
 
 TEST_F(BuildInputTest, SourceRoot) {
   const std::string tree = dir.mkdir("tree");
-  EXPECT_FALSE(input.setSourceRoot(tree + "/"));
+  EXPECT_TRUE(input.setSourceRoot(tree + "/").ok());
   EXPECT_EQ(tree, input.sourceRoot());
   const std::string file = dir.write("file", "");
   EXPECT_EQ("Source Root '" + file + "' is not a directory.",
-            input.setSourceRoot(file).value_or("-"));
+            input.setSourceRoot(file).message());
   ::setenv("SBASE", tree.c_str(), 1);
-  EXPECT_FALSE(input.setSourceRoot(""));
+  EXPECT_TRUE(input.setSourceRoot("").ok());
   ::unsetenv("SBASE");
   EXPECT_EQ(tree, input.sourceRoot());
 }
 
 TEST_F(BuildInputTest, SpecAndInstallCheck) {
   dir.write("tree/bin/a", "");
-  ASSERT_FALSE(input.setSourceRoot(dir.file("tree")));
-  ASSERT_FALSE(input.loadIdb(dir.write("p.idb",
+  ASSERT_TRUE(input.setSourceRoot(dir.file("tree")).ok());
+  ASSERT_TRUE(input.loadIdb(dir.write("p.idb",
                                        "f 0755 root sys usr/bin/a bin/a p.sw.base\n"
-                                       "f 0644 root sys usr/lib/b lib/b p.sw.other\n")));
+                                       "f 0644 root sys usr/lib/b lib/b p.sw.other\n")).ok());
   ASSERT_TRUE(input.loadSpec(dir.write("p.spec",
                                        "product p id P image sw id S version 1\n"
                                        "subsys base id B exp p.sw.base endsubsys\n"

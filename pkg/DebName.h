@@ -10,18 +10,19 @@
 #ifndef TAMBLIN_PKG_DEBNAME_H
 #define TAMBLIN_PKG_DEBNAME_H
 
-#include <optional>
 #include <string>
+
+#include "util/Outcome.h"
 
 class DebName {
  public:
   /// The package name for a tag or product name.
   static std::string package(const std::string& tag);
-  /// Why Debian refuses the package name, or nothing.
-  static std::optional<std::string> packageProblem(const std::string& name);
-  /// Why Debian refuses the version, or nothing.  Versions are
+  /// Fails saying why Debian refuses the package name.
+  static Outcome packageProblem(const std::string& name);
+  /// Fails saying why Debian refuses the version.  Versions are
   /// [epoch:]upstream[-revision]; the upstream part starts with a digit.
-  static std::optional<std::string> versionProblem(const std::string& version);
+  static Outcome versionProblem(const std::string& version);
 };
 
 #endif

@@ -19,7 +19,7 @@ TEST(DebNameTest, Package) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(c.name, DebName::package(c.tag)) << c.tag;
-    EXPECT_EQ(c.problem, DebName::packageProblem(c.name).value_or("")) << c.tag;
+    EXPECT_EQ(c.problem, DebName::packageProblem(c.name).message()) << c.tag;
   }
 }
 
@@ -41,7 +41,7 @@ TEST(DebNameTest, Version) {
       {"1-a_b", "version '1-a_b' holds '_' in its revision"},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(c.problem, DebName::versionProblem(c.version).value_or("")) << c.version;
+    EXPECT_EQ(c.problem, DebName::versionProblem(c.version).message()) << c.version;
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -523,14 +524,15 @@ std::string DebWriter::controlText(const PlannedPackage& p, const std::string& a
   return c;
 }
 
-std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::string& dist,
-                                            const DebOptions& options, DebResult* result) {
+Outcome DebWriter::write(const PlannedPackage& p, const std::string& dist,
+                         const DebOptions& options, DebResult* result) {
   const std::string suffix = options.compress ? ".tar.xz" : ".tar";
   // The data member first, into a temporary file: its size goes into the ar
   // header, and the control member needs its sums.
   std::string dataPath = dist + "/." + p.name + ".data.XXXXXX";
   int dataFd = mkstemp(&dataPath[0]);
-  if (dataFd < 0) return "cannot write in " + dist + " (" + std::strerror(errno) + ")";
+  if (dataFd < 0)
+    return Outcome::error("cannot write in " + dist + " (" + std::strerror(errno) + ")");
   struct Cleanup {
     std::string path;
     int fd;
@@ -542,11 +544,12 @@ std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::
 
   Archive tar = newTar(options.compress);
   if (archive_write_open_fd(tar.get(), dataFd) != ARCHIVE_OK)
-    return archiveError(tar.get(), dataPath);
+    return Outcome::error(archiveError(tar.get(), dataPath));
   DataWriter writer(options, tar.get());
   for (const PlannedFile& f : p.files)
-    if (auto why = writer.add(f)) return why;
-  if (archive_write_close(tar.get()) != ARCHIVE_OK) return archiveError(tar.get(), dataPath);
+    if (auto why = writer.add(f)) return Outcome::error(*why);
+  if (archive_write_close(tar.get()) != ARCHIVE_OK)
+    return Outcome::error(archiveError(tar.get(), dataPath));
   tar.reset();
 
   const std::string arch = writer.anyElf() ? options.architecture : "all";
@@ -588,13 +591,14 @@ std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::
   archive_entry_set_gname(dir.get(), "root");
   archive_entry_set_mtime(dir.get(), options.mtime, 0);
   if (archive_write_header(ctl.get(), dir.get()) != ARCHIVE_OK)
-    return archiveError(ctl.get(), "control");
+    return Outcome::error(archiveError(ctl.get(), "control"));
   for (const auto& m : members) {
     if (m.text->empty()) continue;
     if (auto why = addMember(ctl.get(), m.name, AE_IFREG | m.mode, *m.text, options.mtime))
-      return why;
+      return Outcome::error(*why);
   }
-  if (archive_write_close(ctl.get()) != ARCHIVE_OK) return archiveError(ctl.get(), "control");
+  if (archive_write_close(ctl.get()) != ARCHIVE_OK)
+    return Outcome::error(archiveError(ctl.get(), "control"));
   ctl.reset();
 
   std::string version = p.version.substr(p.version.find(':') + 1);
@@ -602,7 +606,8 @@ std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::
   result->file = dist + "/" + result->fileName;
   std::string debPath = dist + "/." + result->fileName + ".XXXXXX";
   int debFd = mkstemp(&debPath[0]);
-  if (debFd < 0) return "cannot write in " + dist + " (" + std::strerror(errno) + ")";
+  if (debFd < 0)
+    return Outcome::error("cannot write in " + dist + " (" + std::strerror(errno) + ")");
   Cleanup deb{debPath, debFd};
   HashedFile out{debFd, {}, {}, 0};
   md5_init(&out.md5);
@@ -611,36 +616,38 @@ std::optional<std::string> DebWriter::write(const PlannedPackage& p, const std::
   archive_write_set_format_ar_bsd(ar.get());
   archive_write_set_bytes_per_block(ar.get(), 0);
   if (archive_write_open(ar.get(), &out, nullptr, toHashedFile, nullptr) != ARCHIVE_OK)
-    return archiveError(ar.get(), debPath);
+    return Outcome::error(archiveError(ar.get(), debPath));
   if (auto why = addMember(ar.get(), "debian-binary", AE_IFREG | 0644, "2.0\n", options.mtime))
-    return why;
+    return Outcome::error(*why);
   if (auto why = addMember(ar.get(), ("control" + suffix).c_str(), AE_IFREG | 0644, control,
                            options.mtime))
-    return why;
+    return Outcome::error(*why);
   struct stat st;
   if (fstat(dataFd, &st) != 0 || lseek(dataFd, 0, SEEK_SET) != 0)
-    return "cannot read back " + dataPath;
+    return Outcome::error("cannot read back " + dataPath);
   Entry e(archive_entry_new());
   archive_entry_set_pathname(e.get(), ("data" + suffix).c_str());
   archive_entry_set_mode(e.get(), AE_IFREG | 0644);
   archive_entry_set_mtime(e.get(), options.mtime, 0);
   archive_entry_set_size(e.get(), st.st_size);
-  if (archive_write_header(ar.get(), e.get()) != ARCHIVE_OK) return archiveError(ar.get(), debPath);
+  if (archive_write_header(ar.get(), e.get()) != ARCHIVE_OK)
+    return Outcome::error(archiveError(ar.get(), debPath));
   std::vector<char> buf(1 << 16);
   for (ssize_t n; (n = ::read(dataFd, buf.data(), buf.size())) > 0;)
     if (archive_write_data(ar.get(), buf.data(), static_cast<size_t>(n)) < 0)
-      return archiveError(ar.get(), debPath);
-  if (archive_write_close(ar.get()) != ARCHIVE_OK) return archiveError(ar.get(), debPath);
+      return Outcome::error(archiveError(ar.get(), debPath));
+  if (archive_write_close(ar.get()) != ARCHIVE_OK)
+    return Outcome::error(archiveError(ar.get(), debPath));
   ar.reset();
   if (fchmod(debFd, 0644) != 0 || (fsync(debFd) != 0 && errno != EINVAL))
-    return "cannot write " + debPath;
+    return Outcome::error("cannot write " + debPath);
   if (::rename(debPath.c_str(), result->file.c_str()) != 0)
-    return "cannot write " + result->file + " (" + std::strerror(errno) + ")";
+    return Outcome::error("cannot write " + result->file + " (" + std::strerror(errno) + ")");
   std::uint8_t md5[MD5_DIGEST_SIZE], sha[SHA256_DIGEST_SIZE];
   md5_digest(&out.md5, sizeof md5, md5);
   sha256_digest(&out.sha, sizeof sha, sha);
   result->md5 = DebWriter::hex(md5, sizeof md5);
   result->sha256 = DebWriter::hex(sha, sizeof sha);
   result->size = out.size;
-  return std::nullopt;
+  return Outcome::success();
 }

@@ -13,9 +13,10 @@
 
 #include <cstdint>
 #include <ctime>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "util/Outcome.h"
 
 struct PlannedPackage;
 
@@ -41,10 +42,10 @@ struct DebResult {
 
 class DebWriter {
  public:
-  /// Writes package into the directory dist; nothing or why it failed (a
-  /// partly written file is removed).
-  static std::optional<std::string> write(const PlannedPackage& package, const std::string& dist,
-                                          const DebOptions& options, DebResult* result);
+  /// Writes package into the directory dist; fails saying why (a partly
+  /// written file is removed).
+  static Outcome write(const PlannedPackage& package, const std::string& dist,
+                       const DebOptions& options, DebResult* result);
 
   /// The control file of package.
   static std::string controlText(const PlannedPackage& package, const std::string& architecture,

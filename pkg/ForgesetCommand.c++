@@ -62,8 +62,7 @@ std::string human(std::uint64_t bytes) {
 
 const char* ForgesetCommand::usage() { return kUsage; }
 
-std::optional<std::string> ForgesetCommand::parse(const std::vector<std::string>& args,
-                                                  ForgesetArgs* out) {
+Outcome ForgesetCommand::parse(const std::vector<std::string>& args, ForgesetArgs* out) {
   BuildOptions& b = out->build;
   b.action.clear();
   const std::map<std::string, std::string*> valued = {
@@ -76,24 +75,25 @@ std::optional<std::string> ForgesetCommand::parse(const std::vector<std::string>
   for (size_t i = 0; i < args.size(); i++) {
     const std::string& a = args[i];
     if (auto v = valued.find(a); v != valued.end()) {
-      if (i + 1 >= args.size()) return "forgeset: " + a + " needs a value";
+      if (i + 1 >= args.size()) return Outcome::error("forgeset: " + a + " needs a value");
       *v->second = args[++i];
     } else if (auto f = flags.find(a); f != flags.end()) {
       *f->second = true;
     } else if (a == kBuildAll || a == kBuildDryrun) {
-      if (!b.action.empty() && b.action != a) return "forgeset: give -all or -dryrun, not both";
+      if (!b.action.empty() && b.action != a)
+        return Outcome::error("forgeset: give -all or -dryrun, not both");
       b.action = a;
     } else {
-      return "forgeset: unknown argument '" + a + "'";
+      return Outcome::error("forgeset: unknown argument '" + a + "'");
     }
   }
-  if (out->help) return std::nullopt;
-  if (b.action.empty()) return std::string("forgeset: give -all or -dryrun");
+  if (out->help) return Outcome::success();
+  if (b.action.empty()) return Outcome::error("forgeset: give -all or -dryrun");
   if (b.idbName.empty() || b.specName.empty())
-    return std::string("forgeset: -idb and -spec are needed");
+    return Outcome::error("forgeset: -idb and -spec are needed");
   if (b.action == kBuildAll && b.distDir.empty())
-    return std::string("forgeset: -all needs -dist");
-  return std::nullopt;
+    return Outcome::error("forgeset: -all needs -dist");
+  return Outcome::success();
 }
 
 int ForgesetCommand::run(const ForgesetArgs& args, const Sink& out) {
@@ -101,14 +101,14 @@ int ForgesetCommand::run(const ForgesetArgs& args, const Sink& out) {
   const bool build = b.action == kBuildAll;
   SinkReporter reporter(out);
   BuildInput input(&reporter);
-  if (auto why = input.setSourceRoot(b.sourceRoot)) {
-    out("forgeset: " + *why);
+  if (Outcome why = input.setSourceRoot(b.sourceRoot); !why.ok()) {
+    out("forgeset: " + why.message());
     return 2;
   }
   out("checking " + b.idbName + " against " + b.specName + " (source root " +
       input.sourceRoot() + ")");
-  if (auto why = input.loadIdb(b.idbName)) {
-    out("forgeset: " + *why);
+  if (Outcome why = input.loadIdb(b.idbName); !why.ok()) {
+    out("forgeset: " + why.message());
     return 2;
   }
   if (!input.loadSpec(b.specName)) {
@@ -117,8 +117,8 @@ int ForgesetCommand::run(const ForgesetArgs& args, const Sink& out) {
   }
   std::string dist;
   if (build) {
-    if (auto why = checkDistDir(DistDirUse::Build, b.idbName, b.distDir)) {
-      out("forgeset: " + *why);
+    if (Outcome why = checkDistDir(DistDirUse::Build, b.idbName, b.distDir); !why.ok()) {
+      out("forgeset: " + why.message());
       return 2;
     }
     dist = normalize(b.distDir);
@@ -167,8 +167,8 @@ int ForgesetCommand::run(const ForgesetArgs& args, const Sink& out) {
   std::vector<DebResult> written;
   for (const PlannedPackage& p : plan.packages()) {
     DebResult result;
-    if (auto why = DebWriter::write(p, dist, deb, &result)) {
-      out(p.where + ": cannot build " + p.name + ": " + *why);
+    if (Outcome why = DebWriter::write(p, dist, deb, &result); !why.ok()) {
+      out(p.where + ": cannot build " + p.name + ": " + why.message());
       out("forgeset: the build failed");
       return 1;
     }
@@ -176,8 +176,8 @@ int ForgesetCommand::run(const ForgesetArgs& args, const Sink& out) {
         human(result.size) + ")");
     written.push_back(std::move(result));
   }
-  if (auto why = AptRepository::write(dist, written, deb.mtime)) {
-    out("forgeset: " + *why);
+  if (Outcome why = AptRepository::write(dist, written, deb.mtime); !why.ok()) {
+    out("forgeset: " + why.message());
     return 1;
   }
   out("wrote " + dist + "/Packages, Packages.gz and Release");

@@ -14,11 +14,11 @@
 #define TAMBLIN_PKG_FORGESETCOMMAND_H
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "build/BuildCommand.h"
+#include "util/Outcome.h"
 
 struct ForgesetArgs {
   BuildOptions build;      // program unused; action kBuildAll or kBuildDryrun
@@ -31,9 +31,9 @@ class ForgesetCommand {
  public:
   using Sink = std::function<void(const std::string& line)>;
 
-  /// Reads the arguments after the program name; nothing or the usage error.
-  static std::optional<std::string> parse(const std::vector<std::string>& args,
-                                          ForgesetArgs* out);
+  /// Reads the arguments after the program name into out; fails with the
+  /// usage error.
+  static Outcome parse(const std::vector<std::string>& args, ForgesetArgs* out);
   /// The text of -help.
   static const char* usage();
   /// Runs the build; every line goes to out as it happens.  Returns the exit

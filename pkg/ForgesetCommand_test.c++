@@ -39,7 +39,7 @@ TEST(ForgesetCommandTest, ReadsWhatBuildCommandComposes) {
   for (const BuildOptions& options : table) {
     const std::vector<std::string> argv = BuildCommand(options).argv();
     ForgesetArgs parsed;
-    ASSERT_FALSE(ForgesetCommand::parse({argv.begin() + 1, argv.end()}, &parsed))
+    ASSERT_TRUE(ForgesetCommand::parse({argv.begin() + 1, argv.end()}, &parsed).ok())
         << BuildCommand(options).text();
     BuildOptions expected = options;
     expected.program = parsed.build.program;
@@ -51,13 +51,14 @@ TEST(ForgesetCommandTest, ReadsWhatBuildCommandComposes) {
 
 TEST(ForgesetCommandTest, Extras) {
   ForgesetArgs parsed;
-  ASSERT_FALSE(ForgesetCommand::parse({"-idb", "i", "-spec", "s", "-maintainer", "A B <a@b>",
-                                       "-product", "p", "-dryrun"},
-                                      &parsed));
+  ASSERT_TRUE(ForgesetCommand::parse({"-idb", "i", "-spec", "s", "-maintainer", "A B <a@b>",
+                                      "-product", "p", "-dryrun"},
+                                     &parsed)
+                  .ok());
   EXPECT_EQ("A B <a@b>", parsed.maintainer);
   EXPECT_EQ("p", parsed.product);
   ForgesetArgs help;
-  ASSERT_FALSE(ForgesetCommand::parse({"-help"}, &help));
+  ASSERT_TRUE(ForgesetCommand::parse({"-help"}, &help).ok());
   EXPECT_TRUE(help.help);
 }
 
@@ -76,7 +77,7 @@ TEST(ForgesetCommandTest, UsageErrors) {
   };
   for (const auto& c : cases) {
     ForgesetArgs parsed;
-    EXPECT_EQ(c.message, ForgesetCommand::parse(c.args, &parsed).value_or("-"));
+    EXPECT_EQ(c.message, ForgesetCommand::parse(c.args, &parsed).message());
   }
 }
 

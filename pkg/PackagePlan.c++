@@ -216,13 +216,14 @@ void PackagePlan::assignRecords() {
     p.where = s->where;
     p.name = DebName::package(s->tag);
     p.version = s->image->version();
-    if (auto why = DebName::packageProblem(p.name)) problem(s->where, *why);
+    if (Outcome why = DebName::packageProblem(p.name); !why.ok()) problem(s->where, why.message());
     auto [it, fresh] = names.try_emplace(p.name, s->tag);
     if (!fresh)
       problem(s->where, "subsystems " + it->second + " and " + s->tag +
                             " would both be the package " + p.name);
-    if (auto why = DebName::versionProblem(p.version); why && badImages.insert(s->image).second)
-      problem(whereOf(s->image), *why);
+    if (Outcome why = DebName::versionProblem(p.version);
+        !why.ok() && badImages.insert(s->image).second)
+      problem(whereOf(s->image), why.message());
     if (s->node->required())
       p.priority = "important";
     else if (s->node->isDefault())
@@ -476,7 +477,7 @@ void PackagePlan::planProducts() {
     p.tag = product->name();
     p.where = whereOf(product);
     p.name = DebName::package(product->name());
-    if (auto why = DebName::packageProblem(p.name)) problem(p.where, *why);
+    if (Outcome why = DebName::packageProblem(p.name); !why.ok()) problem(p.where, why.message());
     for (const PlannedPackage& other : _packages)
       if (other.name == p.name)
         problem(p.where, "product " + p.tag + " and subsystem " + other.tag +

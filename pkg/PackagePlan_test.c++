@@ -47,8 +47,8 @@ class PackagePlanTest : public ::testing::Test {
   PackagePlan& plan(const std::string& idb, const std::string& spec = kSpec,
                     PlanOptions options = PlanOptions()) {
     input = std::make_unique<BuildInput>(&reporter);
-    EXPECT_FALSE(input->setSourceRoot(dir.file("tree")));
-    EXPECT_FALSE(input->loadIdb(dir.write("p.idb", idb)));
+    EXPECT_TRUE(input->setSourceRoot(dir.file("tree")).ok());
+    EXPECT_TRUE(input->loadIdb(dir.write("p.idb", idb)).ok());
     EXPECT_TRUE(input->loadSpec(dir.write("p.spec", spec)));
     options.maintainer = "M <m@x>";
     _plan = std::make_unique<PackagePlan>(*input, options);

@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 // Attribute text as it stands in an idb line, split by the idb's own reader.
 RecordAttrs fromLine(const std::string& attrs) {
   Idb idb;
-  EXPECT_FALSE(idb.read("f 0755 root sys a a t " + attrs + "\n"));
+  EXPECT_TRUE(idb.readLine("f 0755 root sys a a t " + attrs + "\n").ok());
   return RecordAttrs::of(*idb[0]);
 }
 

@@ -45,7 +45,7 @@ class SpecDetailTest : public HierarchyTestBench {
         "a.idb",
         "f 0755 root sys usr/bin/a build/a my_product.sw.base\n"
         "f 0644 root sys usr/lib/b build/b my_product.sw.optional\n"
-        "f 0644 root sys usr/share/c build/c my_product.man.manpages\n")));
+        "f 0644 root sys usr/share/c build/c my_product.man.manpages\n")).ok());
   }
 };
 

@@ -174,10 +174,10 @@ int SpecGraph::showReadBrowser() {
 int SpecGraph::showSaveBrowser() {
   std::string chosen;
   if (!chooseFile("Save Spec", "*spec", _model->getProductName() + ".spec", &chosen)) return 0;
-  return _model->save(chosen.c_str());
+  return _model->save(chosen.c_str()).ok() ? 1 : 0;
 }
 
-int SpecGraph::save(const char* fileName) { return _model->save(fileName); }
+int SpecGraph::save(const char* fileName) { return _model->save(fileName).ok() ? 1 : 0; }
 
 std::string SpecGraph::getProductName() { return _model->getProductName(); }
 

@@ -469,17 +469,20 @@ void SpecGraphModel::print() const { writeAll(stderr); }
 
 // ---- Spec file commands ----------------------------------------------------
 
-bool SpecGraphModel::checkRegularFile(const std::string& path) {
+Outcome SpecGraphModel::checkRegularFile(const std::string& path) {
   struct stat st;
-  if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
-    _reporter->warning(format("'%s' is not a regular file.\nTry again.", path.c_str()));
-    return false;
-  }
-  return true;
+  if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) return refuseNotRegular(path);
+  return Outcome::success();
+}
+
+Outcome SpecGraphModel::refuseNotRegular(const std::string& path) {
+  Outcome refused = Outcome::error(format("'%s' is not a regular file.\nTry again.", path.c_str()));
+  _reporter->warning(refused.message());
+  return refused;
 }
 
 bool SpecGraphModel::open(const std::string& path) {
-  if (!checkRegularFile(path)) return false;
+  if (!checkRegularFile(path).ok()) return false;
   BusyScope busy(_busy);
   removeAll();
   _partReads.clear();
@@ -490,7 +493,7 @@ bool SpecGraphModel::open(const std::string& path) {
 }
 
 bool SpecGraphModel::read(const std::string& path) {
-  if (!checkRegularFile(path)) return false;
+  if (!checkRegularFile(path).ok()) return false;
   BusyScope busy(_busy);
   bool ok = append(path);
   _changed = true;
@@ -557,48 +560,48 @@ std::string SpecGraphModel::chooseSaveName() {
   return trimCurrent(chosen);
 }
 
-bool SpecGraphModel::save(const char* path) {
+Outcome SpecGraphModel::save(const char* path) {
   std::string name = path ? path : _specFileName;
   if (name.empty()) name = chooseSaveName();
-  if (name.empty()) return false;
+  if (name.empty()) return Outcome::error("");
 
-  if (std::optional<std::string> message =
-          checkDistDir(DistDirUse::Save, name, _distDir ? _distDir() : std::string())) {
-    _reporter->error(*message);
-    return false;
+  if (Outcome refused = checkDistDir(DistDirUse::Save, name, _distDir ? _distDir() : std::string());
+      !refused.ok()) {
+    _reporter->error(refused.message());
+    return refused;
   }
-  if (!checkRegularFile(name)) return false;
+  if (Outcome regular = checkRegularFile(name); !regular.ok()) return regular;
   if (readInPart(name) &&
       !_reporter->question(format(
           "'%s' was read only in part: the message log says where reading stopped.\n"
           "Saving over it keeps only what was read; the rest of the file would be lost.\n\n"
           "Save anyway?",
           name.c_str())))
-    return false;
+    return Outcome::error("");
 
   BusyScope busy(_busy);
   AtomicFile file(name);
-  int err = file.open();
-  if (err == AtomicFile::kNotRegular) {
-    // Became something else since the check above.
-    _reporter->warning(format("'%s' is not a regular file.\nTry again.", name.c_str()));
-    return false;
-  }
-  if (err == 0) {
+  Outcome status = file.open();
+  // Became something else since the check above.
+  if (status.code() == AtomicFile::kNotRegular) return refuseNotRegular(name);
+  Outcome failure;
+  if (status.ok()) {
     writeAll(file.stream());
     // The first write error is the one that names the cause (a full disk).
-    err = file.commit();
-    if (err != 0) {
-      _reporter->logMessage(format("Couldn't write spec '%s' (%s).", name.c_str(),
-                                   AtomicFile::describe(err).c_str()));
-      _reporter->showMessages();
-      return false;
-    }
+    status = file.commit();
+    if (!status.ok())
+      failure = Outcome::error(
+          format("Couldn't write spec '%s' (%s).", name.c_str(), status.message().c_str()),
+          status.code());
   } else {
-    _reporter->logMessage(
-        format("Couldn't open spec '%s' (%s).", name.c_str(), AtomicFile::describe(err).c_str()));
+    failure = Outcome::error(
+        format("Couldn't open spec '%s' (%s).", name.c_str(), status.message().c_str()),
+        status.code());
+  }
+  if (!failure.ok()) {
+    _reporter->logMessage(failure.message());
     _reporter->showMessages();
-    return false;
+    return failure;
   }
   _changed = false;
   // The file now holds the hierarchy: nothing of it is left to lose.
@@ -606,5 +609,5 @@ bool SpecGraphModel::save(const char* path) {
     it = isFile(*it, name) ? _partReads.erase(it) : it + 1;
   setSpecFileName(name);
   _reporter->logMessage(format("Saved spec '%s'.", name.c_str()));
-  return true;
+  return Outcome::success();
 }

@@ -21,6 +21,7 @@
 
 #include "idb/StringSet.h"
 #include "spec/SpecNode.h"
+#include "util/Outcome.h"
 
 class BusyIndicator;
 class Reporter;
@@ -182,8 +183,10 @@ class SpecGraphModel {
   /// Writes the spec file: to path, or to the stored name when path is
   /// null, asking for a name when there is none.  A file that was opened or
   /// appended only in part (its read met errors) is saved over only after
-  /// the user agreed to lose the rest of it.
-  bool save(const char* path);
+  /// the user agreed to lose the rest of it.  Fails with the message the
+  /// user was given, or an empty one when no file was chosen or the user
+  /// declined.
+  Outcome save(const char* path);
   const SpecReadReport& lastReadReport() const { return _lastRead; }
   /// Whether path is a file that was read only in part into the hierarchy.
   bool readInPart(const std::string& path) const;
@@ -195,7 +198,9 @@ class SpecGraphModel {
   void removeSubtree(SpecNode* node);
   void indexSubtree(SpecNode* node);
   void rebuildIndex() const;
-  bool checkRegularFile(const std::string& path);
+  /// Warns when path exists and is not a regular file; that failure.
+  Outcome checkRegularFile(const std::string& path);
+  Outcome refuseNotRegular(const std::string& path);
   std::unique_ptr<SpecNode> makeNode(const SpecNode* parent, const std::string& name,
                                      const char* id);
   std::string chooseSaveName();

@@ -465,7 +465,7 @@ TEST_F(SpecGraphModelTest, SaveWritesAndReports) {
   TempDir dir;
   graph.defaultGraph();
   std::string path = dir.file("p.spec");
-  ASSERT_TRUE(graph.save(path.c_str()));
+  ASSERT_TRUE(graph.save(path.c_str()).ok());
   EXPECT_EQ(written(graph), dir.read("p.spec"));
   EXPECT_EQ(path, graph.specFileName());
   EXPECT_FALSE(graph.changed());
@@ -474,7 +474,7 @@ TEST_F(SpecGraphModelTest, SaveWritesAndReports) {
   // A null path saves to the stored name again.
   graph.getNode("my_product")->setId("\"New\"");
   graph.setChanged(true);
-  ASSERT_TRUE(graph.save(nullptr));
+  ASSERT_TRUE(graph.save(nullptr).ok());
   EXPECT_NE(std::string::npos, dir.read("p.spec").find("id \"New\""));
 }
 
@@ -501,8 +501,10 @@ TEST_F(SpecGraphModelTest, SaveRefusals) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.path);
     reporter.clear();
-    EXPECT_FALSE(graph.save(c.path.c_str()));
+    Outcome saved = graph.save(c.path.c_str());
+    EXPECT_FALSE(saved.ok());
     EXPECT_EQ((std::vector<std::string>{c.text}), reporter.texts(c.kind));
+    EXPECT_EQ(c.text, saved.message());  // what the user was shown
     EXPECT_TRUE(graph.changed());
     EXPECT_EQ("", graph.specFileName());
   }
@@ -513,7 +515,7 @@ TEST_F(SpecGraphModelTest, SaveRefusals) {
 TEST_F(SpecGraphModelTest, SaveAsksForAName) {
   TempDir dir;
   graph.defaultGraph();
-  EXPECT_FALSE(graph.save(nullptr));  // no one to ask
+  EXPECT_FALSE(graph.save(nullptr).ok());  // no one to ask
 
   std::vector<std::string> asked;
   bool accept = false;
@@ -523,11 +525,11 @@ TEST_F(SpecGraphModelTest, SaveAsksForAName) {
     *chosen = dir.file("chosen.spec");
     return accept;
   });
-  EXPECT_FALSE(graph.save(nullptr));
+  EXPECT_FALSE(graph.save(nullptr).ok());
   EXPECT_EQ((std::vector<std::string>{"Save Spec", "*spec", "my_product.spec"}), asked);
   EXPECT_EQ("<missing>", dir.read("chosen.spec"));
   accept = true;
-  EXPECT_TRUE(graph.save(nullptr));
+  EXPECT_TRUE(graph.save(nullptr).ok());
   EXPECT_EQ(dir.file("chosen.spec"), graph.specFileName());
   EXPECT_EQ(written(graph), dir.read("chosen.spec"));
 }

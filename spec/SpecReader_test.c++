@@ -53,7 +53,7 @@ class SpecReaderTest : public ::testing::Test {
 TEST_F(SpecReaderTest, DefaultHierarchyRoundTrip) {
   graph.defaultGraph();
   std::string path = dir.file("default.spec");
-  ASSERT_TRUE(graph.save(path.c_str()));
+  ASSERT_TRUE(graph.save(path.c_str()).ok());
   std::string first = dir.read("default.spec");
 
   SpecGraphModel again(&reporter);
@@ -171,7 +171,7 @@ TEST_F(SpecReaderTest, RulesWithBlankLinesRoundTrip) {
   SpecNode* s = graph.addChild(i, graph.add("s"));
   s->setRules("\nreplaces self\n\n\nprereq (\n    a 0 oldvers\n\n)\nincompat x 0 oldvers\n");
   std::string path = dir.file("r.spec");
-  ASSERT_TRUE(graph.save(path.c_str()));
+  ASSERT_TRUE(graph.save(path.c_str()).ok());
   std::string first = dir.read("r.spec");
   EXPECT_NE(std::string::npos,
             first.find("            replaces self\n            prereq (\n                a 0 "
@@ -181,7 +181,7 @@ TEST_F(SpecReaderTest, RulesWithBlankLinesRoundTrip) {
   ASSERT_TRUE(again.open(path));
   EXPECT_EQ("replaces self\nprereq (\n    a 0 oldvers\n)\nincompat x 0 oldvers",
             again.getNode("p.i.s")->rules());
-  ASSERT_TRUE(again.save(nullptr));
+  ASSERT_TRUE(again.save(nullptr).ok());
   EXPECT_EQ(first, dir.read("r.spec"));
 }
 
@@ -318,7 +318,7 @@ TEST_F(SpecReaderTest, EveryFieldAndKeywordRoundTrips) {
     s->setMapping(d.mapping);
   }
   std::string path = dir.file("all.spec");
-  ASSERT_TRUE(graph.save(path.c_str()));
+  ASSERT_TRUE(graph.save(path.c_str()).ok());
   std::string first = dir.read("all.spec");
 
   SpecGraphModel again(&reporter);
@@ -341,7 +341,7 @@ TEST_F(SpecReaderTest, EveryFieldAndKeywordRoundTrips) {
     EXPECT_EQ(a[i]->rules(), b[i]->rules());
     EXPECT_EQ(a[i]->mapping(), b[i]->mapping());
   }
-  ASSERT_TRUE(again.save(nullptr));
+  ASSERT_TRUE(again.save(nullptr).ok());
   EXPECT_EQ(first, dir.read("all.spec"));
 }
 
@@ -648,28 +648,28 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
   // Save, answered no: nothing written.
   reporter.clear();
   reporter.answer(false);
-  EXPECT_FALSE(graph.save(nullptr));
+  EXPECT_FALSE(graph.save(nullptr).ok());
   EXPECT_EQ((std::vector<std::string>{question(bad)}), reporter.texts("question"));
   EXPECT_EQ(text, dir.read("bad.spec"));
 
   // Save as another name asks nothing; a link to the file is the file.
   reporter.clear();
   std::string other = dir.file("other.spec");
-  EXPECT_TRUE(graph.save(other.c_str()));
+  EXPECT_TRUE(graph.save(other.c_str()).ok());
   EXPECT_TRUE(reporter.texts("question").empty());
   std::string link = dir.file("link.spec");
   ASSERT_EQ(0, ::link(bad.c_str(), link.c_str()));
   reporter.answer(false);
-  EXPECT_FALSE(graph.save(link.c_str()));
+  EXPECT_FALSE(graph.save(link.c_str()).ok());
   EXPECT_EQ((std::vector<std::string>{question(link)}), reporter.texts("question"));
   EXPECT_EQ(text, dir.read("bad.spec"));
 
   // Answered yes: saved, and from then on the file holds the hierarchy.
   reporter.clear();
   reporter.answer(true);
-  EXPECT_TRUE(graph.save(bad.c_str()));
+  EXPECT_TRUE(graph.save(bad.c_str()).ok());
   EXPECT_EQ("product p\n    id P\nendproduct\n", dir.read("bad.spec"));
-  EXPECT_TRUE(graph.save(nullptr));
+  EXPECT_TRUE(graph.save(nullptr).ok());
   EXPECT_EQ(1u, reporter.texts("question").size());
 
   // An appended file read in part is guarded too, the opened one is not.
@@ -679,10 +679,10 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
   ASSERT_TRUE(graph.read(bad));
   EXPECT_EQ("Read " + bad + " up to line 2; the rest was skipped.", logged().back());
   reporter.clear();
-  EXPECT_TRUE(graph.save(nullptr));
+  EXPECT_TRUE(graph.save(nullptr).ok());
   EXPECT_TRUE(reporter.texts("question").empty());
   reporter.answer(false);
-  EXPECT_FALSE(graph.save(bad.c_str()));
+  EXPECT_FALSE(graph.save(bad.c_str()).ok());
   EXPECT_EQ(1u, reporter.texts("question").size());
 
   // Opening another file forgets the earlier reads.

@@ -198,6 +198,10 @@ std::string AtomicFile::describe(int err) {
   return err == kNotRegular ? std::string("Not a regular file") : std::string(std::strerror(err));
 }
 
+Outcome AtomicFile::failure(int err) {
+  return err ? Outcome::error(describe(err), err) : Outcome();
+}
+
 bool AtomicFile::existsButNotRegular(const std::string& path) {
   struct stat st;
   return ::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode);
@@ -207,7 +211,9 @@ AtomicFile::AtomicFile(std::string target) : _target(std::move(target)) {}
 
 AtomicFile::~AtomicFile() { discard(); }
 
-int AtomicFile::open() {
+Outcome AtomicFile::open() { return failure(openTarget()); }
+
+int AtomicFile::openTarget() {
   discard();
   _writeError = 0;
   _inPlace = false;
@@ -302,7 +308,9 @@ ssize_t AtomicFile::cookieWrite(void* cookie, const char* data, size_t size) {
   return static_cast<ssize_t>(size);
 }
 
-int AtomicFile::commit() {
+Outcome AtomicFile::commit() { return failure(commitTarget()); }
+
+int AtomicFile::commitTarget() {
   if (!_stream) return EBADF;
   int err = 0;
   if (std::fflush(_stream) != 0 || std::ferror(_stream)) err = _writeError ? _writeError : EIO;

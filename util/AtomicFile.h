@@ -39,13 +39,19 @@
 #include <cstdio>
 #include <string>
 
+#include "util/Outcome.h"
+
 class AtomicFile {
  public:
-  /// Result of open() for a target that is there but not a regular file.
+  /// The code() of open()'s failure for a target that is there but not a
+  /// regular file.
   static constexpr int kNotRegular = -1;
   /// The text for an error number of this class: strerror, or "Not a regular
   /// file" for kNotRegular.
   static std::string describe(int err);
+  /// The Outcome for an error number of this class: ok for 0, else
+  /// describe(err) with err as its code.
+  static Outcome failure(int err);
   /// True when something exists at path (links followed) that is not a
   /// regular file.
   static bool existsButNotRegular(const std::string& path);
@@ -56,17 +62,18 @@ class AtomicFile {
   AtomicFile(const AtomicFile&) = delete;
   AtomicFile& operator=(const AtomicFile&) = delete;
 
-  /// Checks the target and creates the temporary file.  Returns 0,
-  /// kNotRegular, or the system error number (for instance EACCES when the
-  /// target may not be written, or its directory not when it is new).
-  int open();
+  /// Checks the target and creates the temporary file.  Fails with code
+  /// kNotRegular or the system error number (for instance EACCES when the
+  /// target may not be written, or its directory not when it is new), and
+  /// the message describe() gives for it.
+  Outcome open();
   /// The stream to write to, valid between a successful open() and commit().
   std::FILE* stream() const { return _stream; }
   /// The first error met writing to stream(), or 0.
   int writeError() const { return _writeError; }
-  /// Puts the written text in place.  Returns 0 or the system error number
-  /// of the first failure, in which case the target is as it was.
-  int commit();
+  /// Puts the written text in place.  Fails with the system error number of
+  /// the first failure (as open() does), in which case the target is as it was.
+  Outcome commit();
   /// Drops the temporary file.
   void discard();
 
@@ -76,6 +83,8 @@ class AtomicFile {
   bool inPlace() const { return _inPlace; }
 
  private:
+  int openTarget();
+  int commitTarget();
   static ssize_t cookieWrite(void* self, const char* data, size_t size);
   int createTemporary(bool exists, const struct stat& target);
   int replace();

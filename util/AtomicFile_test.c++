@@ -25,12 +25,20 @@
 
 namespace {
 
+// The error number of the save, 0 for success; a failure must carry the
+// text the callers show for that number.
 int writeAll(const std::string& target, const std::string& text, bool* inPlace = nullptr) {
   AtomicFile f(target);
-  if (int err = f.open()) return err;
-  if (inPlace) *inPlace = f.inPlace();
-  std::fputs(text.c_str(), f.stream());
-  return f.commit();
+  Outcome status = f.open();
+  if (status.ok()) {
+    if (inPlace) *inPlace = f.inPlace();
+    std::fputs(text.c_str(), f.stream());
+    status = f.commit();
+  }
+  if (!status.ok()) {
+    EXPECT_EQ(AtomicFile::describe(status.code()), status.message()) << target;
+  }
+  return status.code();
 }
 
 struct stat statOf(const std::string& path) {
@@ -182,7 +190,7 @@ TEST(AtomicFileTest, DiscardOrFailureLeavesTargetAlone) {
   std::string target = dir.write("keep", "precious");
   {
     AtomicFile f(target);
-    ASSERT_EQ(0, f.open());
+    ASSERT_TRUE(f.open().ok());
     std::fputs("half", f.stream());
   }  // destroyed without commit
   EXPECT_EQ("precious", dir.read("keep"));
@@ -276,9 +284,9 @@ TEST(AtomicFileTest, FullDiskAndSizeLimitKeepTheOldText) {
       size_t size = path == target ? big.size() : big.size() / 2;
       // Written as the spec writer writes: many small pieces.
       AtomicFile out(path);
-      if (out.open() != 0) return std::string("open failed");
+      if (!out.open().ok()) return std::string("open failed");
       for (size_t i = 0; i < size; ++i) std::fputc('n', out.stream());
-      int err = out.commit();
+      int err = out.commit().code();
       r += expectThat(err == ENOSPC, path + " gave " + std::strerror(err));
     }
     std::ifstream in(target);
@@ -326,9 +334,9 @@ TEST(AtomicFileTest, KilledSaveLeavesOldOrNewAndNoTemporary) {
     pid_t pid = fork();
     if (pid == 0) {
       AtomicFile f(path);
-      if (f.open() != 0) _exit(1);
+      if (!f.open().ok()) _exit(1);
       std::fwrite(newText.data(), 1, newText.size(), f.stream());
-      _exit(f.commit() == 0 ? 0 : 1);
+      _exit(f.commit().ok() ? 0 : 1);
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5 + 9 * (round / 2)));
     kill(pid, SIGKILL);

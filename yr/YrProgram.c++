@@ -58,17 +58,16 @@ std::vector<std::string> YrProgram::splitCommandLine(const std::string& commandL
   return words;
 }
 
-bool YrProgram::start(const std::string& commandLine, std::string* error) {
-  return start(splitCommandLine(commandLine), error);
+Outcome YrProgram::start(const std::string& commandLine) {
+  return start(splitCommandLine(commandLine));
 }
 
-bool YrProgram::start(std::vector<std::string> words, std::string* error) {
-  auto fail = [error](const std::string& text) {
-    if (error) *error = text;
-    return false;
+Outcome YrProgram::start(std::vector<std::string> words) {
+  auto cannotStart = [&words](int err) {
+    return Outcome::error(format("Couldn't start %s (%s)", words[0].c_str(), strerror(err)), err);
   };
-  if (_pid > 0) return fail("A program is already running.");
-  if (words.empty()) return fail("No program to start.");
+  if (_pid > 0) return Outcome::error("A program is already running.");
+  if (words.empty()) return Outcome::error("No program to start.");
   std::vector<char*> argv;
   for (std::string& w : words) argv.push_back(&w[0]);
   argv.push_back(nullptr);
@@ -80,7 +79,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     int e = errno;
     for (int fd : {out[0], out[1], err[0], err[1]})
       if (fd >= 0) close(fd);
-    return fail(format("Couldn't start %s (%s)", argv[0], strerror(e)));
+    return cannotStart(e);
   }
   pid_t pid = fork();
   if (pid == 0) {
@@ -103,7 +102,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     close(out[0]);
     close(err[0]);
     close(status[0]);
-    return fail(format("Couldn't start %s (%s)", argv[0], strerror(forkErrno)));
+    return cannotStart(forkErrno);
   }
   int execErrno = 0;
   ssize_t got;
@@ -115,7 +114,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     close(err[0]);
     int ignored;
     waitpid(pid, &ignored, 0);
-    return fail(format("Couldn't start %s (%s)", argv[0], strerror(execErrno)));
+    return cannotStart(execErrno);
   }
   _pid = pid;
   for (Stream* s : {&_out, &_err}) {
@@ -125,7 +124,7 @@ bool YrProgram::start(std::vector<std::string> words, std::string* error) {
     s->input = XtAppAddInput(_context, s->fd, reinterpret_cast<XtPointer>(XtInputReadMask),
                              &YrProgram::readCallback, s);
   }
-  return true;
+  return Outcome::success();
 }
 
 void YrProgram::kill(int signal) {

@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "util/Outcome.h"
+
 class YrProgram {
  public:
   using OutputCallback = void (*)(YrProgram* program, void* clientData, const char* line);
@@ -32,13 +34,13 @@ class YrProgram {
   void setErrorCallback(OutputCallback callback, void* clientData);
   void setExitCallback(ExitCallback callback, void* clientData);
 
-  /// Starts commandLine.  False (with *error set, for example "Couldn't
-  /// start nosuch (No such file or directory)") when nothing is running
-  /// afterwards: an empty command, a program that cannot be executed, or a
-  /// child already running.
-  bool start(const std::string& commandLine, std::string* error);
+  /// Starts commandLine.  Fails (for example "Couldn't start nosuch (No
+  /// such file or directory)", with that error number) when nothing is
+  /// running afterwards: an empty command, a program that cannot be
+  /// executed, or a child already running.
+  Outcome start(const std::string& commandLine);
   /// The same with the words given one by one (a word may hold blanks).
-  bool start(std::vector<std::string> words, std::string* error);
+  Outcome start(std::vector<std::string> words);
   bool running() const { return _pid > 0; }
   pid_t pid() const { return _pid; }
   /// Sends a signal to the running child.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <string>
@@ -47,8 +48,8 @@ Collected run(YrProgram& program, const std::string& command) {
   program.setOutputCallback(onOut, &c);
   program.setErrorCallback(onErr, &c);
   program.setExitCallback(onExit, &c);
-  std::string error;
-  EXPECT_TRUE(program.start(command, &error)) << error;
+  Outcome started = program.start(command);
+  EXPECT_TRUE(started.ok()) << started.message();
   EXPECT_TRUE(waitForExit(c)) << command;
   EXPECT_FALSE(program.running());
   return c;
@@ -108,18 +109,20 @@ TEST(YrProgramTest, ReportsSignalsAndRefusesWhatCannotRun) {
   YrProgram program(UiTestApp::context());
   Collected c;
   program.setExitCallback(onExit, &c);
-  std::string error;
-  ASSERT_TRUE(program.start("sleep 30", &error));
-  EXPECT_FALSE(program.start("true", &error));
-  EXPECT_EQ("A program is already running.", error);
+  ASSERT_TRUE(program.start("sleep 30").ok());
+  Outcome status = program.start("true");
+  EXPECT_FALSE(status.ok());
+  EXPECT_EQ("A program is already running.", status.message());
   program.kill(SIGTERM);
   ASSERT_TRUE(waitForExit(c));
   EXPECT_EQ(128 + SIGTERM, c.status);
 
-  EXPECT_FALSE(program.start("   ", &error));
-  EXPECT_EQ("No program to start.", error);
-  EXPECT_FALSE(program.start("/nonexistent/forgeset -all", &error));
-  EXPECT_EQ("Couldn't start /nonexistent/forgeset (No such file or directory)", error);
+  status = program.start("   ");
+  EXPECT_FALSE(status.ok());
+  EXPECT_EQ("No program to start.", status.message());
+  status = program.start("/nonexistent/forgeset -all");
+  EXPECT_EQ("Couldn't start /nonexistent/forgeset (No such file or directory)", status.message());
+  EXPECT_EQ(ENOENT, status.code());
   EXPECT_FALSE(program.running());
 }
 
@@ -152,9 +155,8 @@ TEST(YrProgramTest, ChildrenInheritOnlyStandardDescriptors) {
   int leaked[2];
   ASSERT_EQ(0, pipe(leaked));
   YrProgram first(UiTestApp::context()), second(UiTestApp::context());
-  std::string error;
-  ASSERT_TRUE(first.start("sleep 30", &error)) << error;
-  ASSERT_TRUE(second.start("sleep 30", &error)) << error;
+  ASSERT_TRUE(first.start("sleep 30").ok());
+  ASSERT_TRUE(second.start("sleep 30").ok());
   // start() returns once the child has executed the program.
   std::vector<std::string> standard = {"0", "1", "2"};
   EXPECT_EQ(standard, openDescriptors(first.pid()));
