@@ -106,5 +106,4 @@ void PatchDialog::ok(Widget, XtPointer) {
   }
   _fileListModel.createPatch(name, keep);
   unpost();
-  _fileListModel.refresh();
 }

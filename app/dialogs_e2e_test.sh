@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Every kind of dialog of the real program answered like a user answers it,
-# on a private X server without a window manager: clicks on OK and Cancel,
+# The file selection, error, warning and question dialogs of the real
+# program answered like a user answers them (the dialogs that come up in
+# the middle of work: dialogs2_e2e_test.sh), on a private X server without
+# a window manager: clicks on OK and Cancel,
 # Return, Escape, and a window manager's Close (the WM_DELETE_WINDOW client
 # message sent to the dialog's shell).  After each answer the dialog must be
 # unmapped and the main window must take input again (a tab switch changes
@@ -10,16 +12,7 @@
 #
 # usage: dialogs_e2e_test.sh TAMBLIN SEND_WM_CLOSE OUTPUT_DIR
 set -euo pipefail
-prog=$1
-send_wm_close=$2
-out=$3
-mkdir -p "$out"
-prog_pid=
-cleanup_pids="prog_pid"
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-source "$here/../tools/xvfb_session.sh"
-source "$here/e2e/gui_lib.sh"
-start_xvfb
+source "$(dirname "${BASH_SOURCE[0]}")/e2e/gui_lib.sh"
 mkdir -p "$work/run" "$work/src/bin"
 echo hello >"$work/src/bin/hello"
 cd "$work/run"
@@ -27,24 +20,6 @@ export LANG=C.UTF-8 SBASE="$work/src"
 start_tamblin "$prog" -nofork
 
 [[ -z $(visible '^Busy$') ]] || fail "the start-up banner is still up"
-
-# answer TITLE HOW: answers the dialog of that title and checks it goes
-# down and the main window reacts.  HOW: ok or cancel (a click on the
-# button; OK is the lower left button, Cancel the lower right), return,
-# escape, close.
-answer() {
-  local id
-  id=$(wait_window "$1")
-  case $2 in
-    ok) click_in "$id" "${ok_x:-40}" -30 ;;
-    cancel) click_in "$id" -45 -30 ;;
-    return) xdotool key Return ;;
-    escape) xdotool key Escape ;;
-    close) "$send_wm_close" "$id" ;;
-  esac
-  wait_gone "$1"
-  main_reacts
-}
 
 # ---- file selection: File > SaveAs > Spec ---------------------------------
 for how in cancel escape close; do
@@ -132,9 +107,5 @@ answer 'Save Spec' return
 grep -q '^product my_product$' third.spec || fail "Yes did not start a new spec: $(head -n1 third.spec)"
 
 # ---- File > Quit ends the program: every dialog let go of it --------------
-menu -1
-ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
-poll 10 ended || fail "File > Quit did not end the program"
-wait "$prog_pid" || fail "exit status $?; stderr: $(cat "$work/stderr")"
-prog_pid=
+quit_tamblin
 echo "PASS: every dialog went down on every answer; screenshots in $out"

@@ -8,7 +8,7 @@
 // (the message log), state.txt ("view N", "selected P..." of the file list,
 // "node TAG" selected in the hierarchy) and, once, problem.txt (where the
 // "FILE:LINE:" lines of the log are drawn, "X Y" each, after scrolling the
-// log to the first).
+// log to the first, once the run that logged them is over).
 #include <Xm/Text.h>
 #include <Xm/Xm.h>
 
@@ -60,16 +60,21 @@ void report(XtPointer clientData, XtIntervalId*) {
   const SpecNode* node = d->view->specGraph()->model().selected();
   state += "\nnode " + (node ? node->getTag() : std::string("-")) + "\n";
   writeFile(d->out + "/state.txt", state);
-  // Once a problem line is there: scroll to the first and tell where every
-  // problem line now showing is drawn.
+  // Once the run that reports problems is over ("Done."): scroll to the
+  // first problem line and tell where every problem line now showing is
+  // drawn.  Not before: each line logged later scrolls the log again and
+  // would move the lines away from the places told.
   std::vector<size_t> starts;
+  bool over = false;
   for (size_t start = 0; !d->located && start < log.size();) {
     size_t end = log.find('\n', start);
     if (end == std::string::npos) end = log.size();
-    if (ProblemLocation::parse(log.substr(start, end - start))) starts.push_back(start);
+    const std::string line = log.substr(start, end - start);
+    if (ProblemLocation::parse(line)) starts.push_back(start);
+    if (line == "Done.") over = true;
     start = end + 1;
   }
-  if (!starts.empty()) {
+  if (over && !starts.empty()) {
     Widget text = d->view->messageText();
     XmTextShowPosition(text, static_cast<XmTextPosition>(starts[0]));
     std::string where;

@@ -37,6 +37,8 @@ where() { awk -v k="$1" '$1 == k { print $2, $3 }' "$work/where"; }
 click() { xdotool mousemove --sync $1 $2 click 1; }
 logged() { grep -qxF -- "$1" "$work/log.txt" 2>/dev/null; }
 logs() { grep -cxF -- "$1" "$work/log.txt" 2>/dev/null || true; }
+# runs_done N: the log holds N "Done." lines (counted anew at each look).
+runs_done() { test "$(logs Done.)" = "$1"; }
 shot() { import -window root "$out/$1.png" 2>/dev/null; }
 
 click $(where tab)
@@ -65,10 +67,10 @@ cp "$example/hello.idb" project/hello.idb
 click $(where tab)
 click $(where dryrun)
 poll 120 logged "forgeset: check clean: 5 packages from 7 records" || fail "second Test Build not clean"
-poll 120 test "$(logs Done.)" = 2 || fail "no Done. after the second Test Build"
+poll 120 runs_done 2 || fail "no Done. after the second Test Build"
 click $(where all)
 poll 120 logged "forgeset: built 5 packages in $work/dist" || fail "Build All: $(tail -n 5 "$work/log.txt")"
-poll 120 test "$(logs Done.)" = 3 || fail "no Done. after Build All: $(tail -n 4 "$work/log.txt")"
+poll 120 runs_done 3 || fail "no Done. after Build All: $(tail -n 4 "$work/log.txt")"
 shot buildall
 for deb in hello_1.2_all hello.sw.base_1.2_amd64 hello.sw.lib_1.2_amd64 hello.sw.extras_1.2_all \
     hello.man.pages_1.2_all; do

@@ -9,16 +9,7 @@
 #
 # usage: longvalues_e2e_test.sh TAMBLIN SEND_WM_CLOSE OUTPUT_DIR
 set -euo pipefail
-prog=$1
-send_wm_close=$2
-out=$3
-mkdir -p "$out"
-prog_pid=
-cleanup_pids="prog_pid"
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-source "$here/../tools/xvfb_session.sh"
-source "$here/e2e/gui_lib.sh"
-start_xvfb
+source "$(dirname "${BASH_SOURCE[0]}")/e2e/gui_lib.sh"
 mkdir -p "$work/run"
 cd "$work/run"
 # 1,100 words of 999 characters (a word may not pass 1,000) in one quoted
@@ -72,9 +63,5 @@ alive
 sed -e '1s/^product longid$/product renamed/' -e 's/longid\.sw\.base/renamed.sw.base/' long.spec \
   >expected.spec
 cp again.spec "$out/"; cmp expected.spec again.spec || fail "the saved spec differs from the one read (renamed)"
-menu -1
-ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
-poll 10 ended || fail "File > Quit did not end the program"
-wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
-prog_pid=
+quit_tamblin
 echo "PASS: a 1.1 MB description shown cut, assigned and saved whole; screenshots in $out"

@@ -16,16 +16,7 @@
 #
 # usage: session_e2e_test.sh TAMBLIN SEND_WM_CLOSE OUTPUT_DIR
 set -euo pipefail
-prog=$1
-send_wm_close=$2
-out=$3
-mkdir -p "$out"
-prog_pid=
-cleanup_pids="prog_pid"
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-source "$here/../tools/xvfb_session.sh"
-source "$here/e2e/gui_lib.sh"
-start_xvfb
+source "$(dirname "${BASH_SOURCE[0]}")/e2e/gui_lib.sh"
 
 src=$work/src
 mkdir -p "$src/bin" "$src/etc" "$work/run"
@@ -37,17 +28,6 @@ chmod 0644 "$src/etc/conf" "$src/README"
 src=$(cd "$src" && pwd -P)
 cd "$work/run"
 export LANG=C.UTF-8 SBASE="$src" RBASE=/
-# settle: until the main window shows something new after an action.
-settle() {
-  shot settle_before
-  local what=$1
-  shift
-  "$@"
-  changed() { shot settle_after && differ settle_before settle_after; }
-  poll 10 changed || fail "nothing changed after: $what"
-}
-# field X Y TEXT: replaces a text field's text.
-field() { click "$1" "$2"; clear_field; type_text "$3"; }
 # The browser's filter selects what it matches as one types; the idb's
 # filter runs on Return.
 browser_filter() { field 200 499 "$1"; }
@@ -148,11 +128,7 @@ type_text "$work/run/session.idb"
 click_in "$id" 40 -30                             # OK
 wait_gone 'Save Idb'
 poll 10 test -s session.idb || fail "no idb saved"
-menu -1
-ended() { ! kill -0 "$prog_pid" 2>/dev/null; }
-poll 10 ended || fail "File > Quit did not end the program after saving"
-wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
-prog_pid=
+quit_tamblin
 
 # ---- Again: File > Open > Both, then save under new names -----------------------------
 start_tamblin "$prog" -nofork
@@ -180,10 +156,7 @@ for kind in 0:spec 1:idb; do
   wait_gone "$title"
 done
 poll 10 test -s again.idb || fail "no idb saved after reopening"
-menu -1
-poll 10 ended || fail "File > Quit did not end the reopened program"
-wait "$prog_pid" || fail "exit status $?; stderr: $(tail -c 3000 "$work/stderr")"
-prog_pid=
+quit_tamblin
 
 # ---- What was saved ------------------------------------------------------------------
 cp session.spec session.idb again.spec again.idb "$out/"

@@ -2,6 +2,8 @@
 
 #include <Xm/FileSB.h>
 #include <Xm/List.h>
+#include <Xm/PushB.h>
+#include <Xm/RowColumn.h>
 #include <Xm/TextF.h>
 #include <sys/stat.h>
 
@@ -26,6 +28,7 @@ namespace {
 
 const char* const kResources[] = {
     "*filesList.boldLabelFont:  Monospace",
+    "*browserMenu*browsingDirectory.labelString:  Browsing Directory...",
     nullptr,
 };
 
@@ -54,6 +57,7 @@ FileListAdd::FileListAdd(const char* name, Widget parent)
     : FileListAddUI(name, parent) {
   setDefaultResources(parent, kResources);
   addBoldRendition();
+  addBrowserMenu();
 }
 
 FileListAdd::~FileListAdd() = default;
@@ -98,6 +102,26 @@ void FileListAdd::addBoldRendition() {
   XtVaSetValues(_filesList, XmNrenderTable, merged, nullptr);
   XmRenderTableFree(merged);
   XmRenditionFree(bold);
+}
+
+// The directory chooser hangs from the browser's popup menu, which the
+// third button over the list posts.
+void FileListAdd::addBrowserMenu() {
+  Widget menu = XmCreatePopupMenu(_filesList, const_cast<char*>("browserMenu"), nullptr, 0);
+  Widget item = XtCreateManagedWidget("browsingDirectory", xmPushButtonWidgetClass, menu,
+                                      nullptr, 0);
+  XtAddCallback(item, XmNactivateCallback, &FileListAdd::chooseDirectory, this);
+  XtAddEventHandler(_filesList, ButtonPressMask, False, &FileListAdd::postBrowserMenu, menu);
+}
+
+void FileListAdd::postBrowserMenu(Widget, XtPointer menu, XEvent* event, Boolean*) {
+  if (event->type != ButtonPress || event->xbutton.button != Button3) return;
+  XmMenuPosition(static_cast<Widget>(menu), &event->xbutton);
+  XtManageChild(static_cast<Widget>(menu));
+}
+
+void FileListAdd::chooseDirectory(Widget, XtPointer clientData, XtPointer) {
+  static_cast<FileListAdd*>(clientData)->showOpenBrowser();
 }
 
 // ---- browsing ----------------------------------------------------------------------------
@@ -377,14 +401,20 @@ void FileListAdd::showOpenBrowser() {
     XtVaSetValues(_chooser, XmNdirMask, mask, XmNfileTypeMask, XmFILE_DIRECTORY, nullptr);
     XmStringFree(mask);
     XtVaSetValues(XtParent(_chooser), XmNtitle, "Browsing Directory", nullptr);
-    // Only the directories and the selection remain.
-    for (unsigned char child : {XmDIALOG_FILTER_LABEL, XmDIALOG_FILTER_TEXT, XmDIALOG_LIST_LABEL})
+    // Only the directories and the selection remain; Help has nothing to
+    // show, as in the shared dialogs.
+    for (unsigned char child : {XmDIALOG_FILTER_LABEL, XmDIALOG_FILTER_TEXT, XmDIALOG_LIST_LABEL,
+                                XmDIALOG_HELP_BUTTON})
       if (Widget w = XmFileSelectionBoxGetChild(_chooser, child)) XtUnmanageChild(w);
     if (Widget list = XmFileSelectionBoxGetChild(_chooser, XmDIALOG_LIST))
       XtUnmanageChild(XtParent(list));
     XtAddCallback(_chooser, XmNcancelCallback, &FileListAdd::chooserCancel, this);
     XtRemoveAllCallbacks(_chooser, XmNokCallback);
     XtAddCallback(_chooser, XmNokCallback, &FileListAdd::chooserOk, this);
+    // A window manager's Close is Cancel; without one the chooser takes the
+    // keyboard itself, as the shared dialogs do.
+    yrOnWindowClose(XtParent(_chooser), &FileListAdd::chooserCancel, this);
+    yrFocusOnMap(XtParent(_chooser));
   }
   XtManageChild(_chooser);
 }
@@ -401,4 +431,7 @@ void FileListAdd::chooserOk(Widget w, XtPointer clientData, XtPointer callData) 
   XtUnmanageChild(w);
 }
 
-void FileListAdd::chooserCancel(Widget w, XtPointer, XtPointer) { XtUnmanageChild(w); }
+// Called with the box (Cancel) or with its shell (Close).
+void FileListAdd::chooserCancel(Widget, XtPointer clientData, XtPointer) {
+  XtUnmanageChild(static_cast<FileListAdd*>(clientData)->_chooser);
+}

@@ -75,6 +75,7 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
 
  private:
   void addBoldRendition();
+  void addBrowserMenu();
   void showEntries(const StringSet& names, const StringSet& added);
   void replaceEntry(int pos, const std::string& text, bool marked);
   void selectPositions(const std::vector<int>& positions);
@@ -85,6 +86,8 @@ class FileListAdd : public FileListAddUI, public AddFilesPartner {
   void error(const std::string& text);
   static void chooserOk(Widget, XtPointer, XtPointer);
   static void chooserCancel(Widget, XtPointer, XtPointer);
+  static void chooseDirectory(Widget, XtPointer, XtPointer);
+  static void postBrowserMenu(Widget, XtPointer, XEvent*, Boolean*);
 
   std::optional<std::string> _browsingDirectory;
   FileListModel* _model = nullptr;

@@ -1,7 +1,9 @@
 // gtest first: Xlib's macros (None, Bool, Status) break its headers.
 #include <gtest/gtest.h>
 
+#include <Xm/FileSB.h>
 #include <Xm/List.h>
+#include <Xm/PushB.h>
 #include <Xm/TextF.h>
 #include <unistd.h>
 
@@ -263,6 +265,62 @@ TEST_F(FileListAddTest, DoubleClickAndSetCurrentMoveTheBrowser) {
   EXPECT_EQ(Names{}, selected());
   EXPECT_EQ(Names{tree.file("dir") + "/gone does not exist."}, reporter.texts("log"));
   EXPECT_EQ(1u, reporter.texts("show").size());
+}
+
+// The directory chooser comes from the browser's popup menu; OK moves the
+// browser to the directory typed into it, Cancel and a window manager's
+// Close leave it where it was, and each takes the chooser down.
+TEST_F(FileListAddTest, DirectoryChooserAnswers) {
+  enum Way { Ok, Cancel, Close };
+  struct Case {
+    Way way;
+    const char* typed;
+    const char* expected;
+  } cases[] = {
+      {Ok, "dir", "dir"},
+      {Cancel, "dir/sub", "dir"},
+      {Close, ".", "dir"},
+      {Ok, "dir/sub", "dir/sub"},
+  };
+  XtRealizeWidget(shell);
+  Widget entry = XtNameToWidget(list(), "*browsingDirectory");
+  ASSERT_NE(nullptr, entry);
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.typed);
+    XtCallCallbacks(entry, XmNactivateCallback, nullptr);
+    Widget chooser = XtNameToWidget(panel->baseWidget(), "*fileListBrowser");
+    ASSERT_NE(nullptr, chooser);
+    ASSERT_TRUE(XtIsManaged(chooser));
+    char* title = nullptr;
+    XtVaGetValues(XtParent(chooser), XmNtitle, &title, nullptr);
+    EXPECT_STREQ("Browsing Directory", title);
+    EXPECT_FALSE(XtIsManaged(XmFileSelectionBoxGetChild(chooser, XmDIALOG_HELP_BUTTON)));
+    XmTextFieldSetString(XmFileSelectionBoxGetChild(chooser, XmDIALOG_TEXT),
+                         const_cast<char*>(tree.file(c.typed).c_str()));
+    if (c.way == Close) {
+      UiTestApp::flush();
+      UiTestApp::sendWindowClose(XtParent(chooser));
+    } else {
+      Widget button =
+          XmFileSelectionBoxGetChild(chooser, c.way == Ok ? XmDIALOG_OK_BUTTON : XmDIALOG_CANCEL_BUTTON);
+      XEvent event{};
+      event.xbutton.type = ButtonRelease;
+      event.xbutton.display = XtDisplayOfObject(button);
+      event.xbutton.window = XtWindowOfObject(button);
+      XmPushButtonCallbackStruct cbs{};
+      cbs.reason = XmCR_ACTIVATE;
+      cbs.event = &event;
+      cbs.click_count = 1;
+      XtCallCallbacks(button, XmNactivateCallback, &cbs);
+    }
+    for (int i = 0; i < 100 && XtIsManaged(chooser); i++) {
+      UiTestApp::flush();
+      if (XtIsManaged(chooser)) usleep(10000);
+    }
+    EXPECT_FALSE(XtIsManaged(chooser));
+    EXPECT_EQ(tree.file(c.expected), panel->browsingDirectory());
+  }
+  EXPECT_EQ(0u, reporter.texts("error").size());
 }
 
 }  // namespace

@@ -43,3 +43,16 @@ void UiTestApp::flush() {
   XSync(gDisplay, False);
   while (XtAppPending(gContext)) XtAppProcessEvent(gContext, XtIMAll);
 }
+
+void UiTestApp::sendWindowClose(Widget shell) {
+  Display* display = XtDisplay(shell);
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = XtWindow(shell);
+  event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+  event.xclient.data.l[1] = CurrentTime;
+  XSendEvent(display, XtWindow(shell), False, NoEventMask, &event);
+  XFlush(display);
+}

@@ -18,6 +18,9 @@ class UiTestApp {
   /// Processes pending events until none is left (including those the
   /// server sends back for requests made so far).
   static void flush();
+  /// What a window manager's Close sends: a real client message to shell,
+  /// handled by the event loop like any other event.
+  static void sendWindowClose(Widget shell);
 };
 
 #endif

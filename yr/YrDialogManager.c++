@@ -87,18 +87,17 @@ Widget YrDialogManager::dialog() {
     if (!title || std::strcmp(title, XtName(shell)) == 0)
       XtVaSetValues(shell, XmNtitle, defaultTitle(), nullptr);
     yrOnWindowClose(shell, &YrDialogManager::closeCallback, this);
-    // Keys answer a dialog only once it has the keyboard: a window manager
-    // hands it over on mapping, but without one (or with a lax one) Return
-    // and Escape would go to the window the dialog blocks.
-    XtAddEventHandler(shell, StructureNotifyMask, False, &YrDialogManager::focusOnMap, nullptr);
+    yrFocusOnMap(shell);
   }
   return _baseWidget;
 }
 
+namespace {
+
 // When the dialog goes down the keyboard reverts to whatever window the
 // pointer is in (X's own default), never to the root window, where no
 // window of the program would see a key again.
-void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
+void focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean*) {
   if (event->type != MapNotify || !XtIsRealized(shell)) return;
   // The dialog may have been answered and taken down again before its
   // MapNotify is seen; focus on an unmapped window is a fatal BadMatch.
@@ -107,6 +106,12 @@ void YrDialogManager::focusOnMap(Widget shell, XtPointer, XEvent* event, Boolean
       attributes.map_state != IsViewable)
     return;
   XSetInputFocus(XtDisplay(shell), XtWindow(shell), RevertToPointerRoot, CurrentTime);
+}
+
+}  // namespace
+
+void yrFocusOnMap(Widget shell) {
+  XtAddEventHandler(shell, StructureNotifyMask, False, &focusOnMap, nullptr);
 }
 
 const char* YrDialogManager::defaultTitle() const {

@@ -81,7 +81,6 @@ class YrDialogManager : public YrComponent {
   static void cancelCallback(Widget, XtPointer, XtPointer);
   static void helpCallback(Widget, XtPointer, XtPointer);
   static void closeCallback(Widget, XtPointer, XtPointer);
-  static void focusOnMap(Widget, XtPointer, XEvent*, Boolean*);
   static void respondProc(XtPointer, XtIntervalId*);
   static void waitExpired(XtPointer, XtIntervalId*);
   void answered(Answer a);
@@ -103,5 +102,10 @@ YrDialogManager* getTheQuestionDialog();
 /// Makes a window manager's Close of shell call callback (with clientData)
 /// instead of whatever the shell would do by itself.
 void yrOnWindowClose(Widget shell, XtCallbackProc callback, XtPointer clientData);
+/// Makes shell take the keyboard each time it is mapped.  Keys answer a
+/// dialog only once it has the keyboard: a window manager hands it over on
+/// mapping, but without one (or with a lax one) Return and Escape would go
+/// to the window the dialog blocks.
+void yrFocusOnMap(Widget shell);
 
 #endif

@@ -142,22 +142,6 @@ TEST_F(YrDialogTest, FileSelectionReturnsTheChosenPathOnlyOnOk) {
   EXPECT_EQ("unchanged", chosen);
 }
 
-// What a window manager's Close sends: a real client message to the
-// dialog's shell, handled by the event loop like any other event.
-void sendWindowClose(Widget box) {
-  Widget shell = XtParent(box);
-  Display* display = XtDisplay(shell);
-  XEvent event{};
-  event.xclient.type = ClientMessage;
-  event.xclient.window = XtWindow(shell);
-  event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
-  event.xclient.format = 32;
-  event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
-  event.xclient.data.l[1] = CurrentTime;
-  XSendEvent(display, XtWindow(shell), False, NoEventMask, &event);
-  XFlush(display);
-}
-
 // Processes events until the dialog is down (or a second has passed).
 bool comesDown(YrDialogManager& d) {
   for (int i = 0; i < 100 && d.isPosted(); i++) {
@@ -205,7 +189,7 @@ TEST_F(YrDialogTest, EveryAnswerTakesTheDialogDown) {
     YrDialogManager::queueResponder([&](YrDialogManager& d) {
       wasUp = d.isPosted() && XtIsRealized(d.baseWidget());
       if (c.way == Close)
-        sendWindowClose(d.baseWidget());
+        UiTestApp::sendWindowClose(XtParent(d.baseWidget()));
       else
         d.press(c.way == PressOk ? YrDialogManager::Ok : YrDialogManager::Cancel);
     });

@@ -10,7 +10,11 @@ Widget YrInterruptDialog::createDialog(Widget parent) {
   Widget d = XmCreateWorkingDialog(parent, const_cast<char*>(_name.c_str()), nullptr, 0);
   XtUnmanageChild(XmMessageBoxGetChild(d, XmDIALOG_OK_BUTTON));
   XmString stop = XmStringCreateLocalized(const_cast<char*>("Interrupt"));
-  XtVaSetValues(d, XmNcancelLabelString, stop, nullptr);
+  // Modal while it is up: the operation it watches runs inside a callback
+  // and handles events only to see the button; a click elsewhere would run
+  // another operation (a second search, an Open) in the middle of it.
+  XtVaSetValues(d, XmNcancelLabelString, stop, XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL,
+                nullptr);
   XmStringFree(stop);
   return d;
 }
