@@ -75,9 +75,10 @@ Widget YrDialogManager::dialog() {
   // help server is there; until then it would do nothing.
   if (Widget h = button(Help)) XtUnmanageChild(h);
   if (_kind == Error || _kind == Warning || _kind == Information) {
-    // A Cancel here would only repeat OK; Escape answers OK instead.
+    // A Cancel here would only repeat OK.  Escape still reaches the cancel
+    // callback (a message box will not take another cancel button), which
+    // takes the box down as OK does.
     if (Widget c = button(Cancel)) XtUnmanageChild(c);
-    XtVaSetValues(_baseWidget, XmNcancelButton, button(Ok), nullptr);
   }
   Widget shell = XtParent(_baseWidget);
   if (XtIsVendorShell(shell)) {
