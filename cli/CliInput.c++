@@ -36,7 +36,7 @@ class StdoutToStderr {
 }  // namespace
 
 std::optional<int> loadSpec(SpecGraphModel& graph, const std::string& path) {
-  return loadSpec(graph, path, [&graph, &path]() { return graph.open(path); });
+  return loadSpec(graph, path, [&graph, &path]() { return graph.open(path).ok(); });
 }
 
 std::optional<int> loadSpec(const SpecGraphModel& graph, const std::string& path,

@@ -61,7 +61,7 @@ Outcome BuildInput::loadIdb(const std::string& file) {
 
 bool BuildInput::loadSpec(const std::string& file) {
   _specFile = file;
-  _haveSpec = _spec->open(file) && _spec->lastReadReport().clean();
+  _haveSpec = _spec->open(file).ok() && _spec->lastReadReport().clean();
   return _haveSpec;
 }
 

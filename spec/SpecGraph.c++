@@ -150,14 +150,16 @@ bool SpecGraph::chooseFile(const std::string& title, const std::string& filter,
 
 int SpecGraph::abandonChanges() { return _model->abandonChanges(); }
 
-int SpecGraph::open(const char* fileName) { return _model->open(fileName ? fileName : ""); }
+int SpecGraph::open(const char* fileName) {
+  return _model->open(fileName ? fileName : "").ok() ? 1 : 0;
+}
 
 int SpecGraph::showOpenBrowser() {
   if (!_model->abandonChanges()) return 0;
   std::string chosen;
   if (!chooseFile("Open Spec", "*spec", "", &chosen)) return 0;
   std::string name = trimCurrent(chosen);
-  if (!_model->open(name)) return 0;
+  if (!_model->open(name).ok()) return 0;
   _reporter.logMessage("Opened spec '" + name + "'.");
   return 1;
 }
@@ -166,7 +168,7 @@ int SpecGraph::showReadBrowser() {
   std::string chosen;
   if (!chooseFile("Append Spec", "*spec", "", &chosen)) return 0;
   std::string name = trimCurrent(chosen);
-  if (!_model->read(name)) return 0;
+  if (!_model->read(name).ok()) return 0;
   _reporter.logMessage("Appended spec '" + name + "'.");
   return 1;
 }

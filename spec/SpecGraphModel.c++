@@ -481,37 +481,37 @@ Outcome SpecGraphModel::refuseNotRegular(const std::string& path) {
   return refused;
 }
 
-bool SpecGraphModel::open(const std::string& path) {
-  if (!checkRegularFile(path).ok()) return false;
+Outcome SpecGraphModel::open(const std::string& path) {
+  if (Outcome refused = checkRegularFile(path); !refused.ok()) return refused;
   BusyScope busy(_busy);
   removeAll();
   _partReads.clear();
-  bool ok = append(path);
-  if (ok) setSpecFileName(path);
+  Outcome status = append(path);
+  if (status.ok()) setSpecFileName(path);
   _changed = false;
-  return ok;
+  return status;
 }
 
-bool SpecGraphModel::read(const std::string& path) {
-  if (!checkRegularFile(path).ok()) return false;
+Outcome SpecGraphModel::read(const std::string& path) {
+  if (Outcome refused = checkRegularFile(path); !refused.ok()) return refused;
   BusyScope busy(_busy);
-  bool ok = append(path);
+  Outcome status = append(path);
   _changed = true;
-  return ok;
+  return status;
 }
 
-bool SpecGraphModel::append(const std::string& path) {
+Outcome SpecGraphModel::append(const std::string& path) {
   _lastRead = SpecReadReport();
   if (path.empty()) {
     defaultGraph();
     _lastRead.entered = true;
-    return true;
+    return Outcome::success();
   }
-  bool ok = readSpecFile(*this, *_reporter, path, &_lastRead);
+  Outcome status = readSpecFile(*this, *_reporter, path, &_lastRead);
   relayout();
   if (_observer) _observer->tagsChanged();
-  if (ok && _lastRead.incomplete()) noteReadInPart(path);
-  return ok;
+  if (status.ok() && _lastRead.incomplete()) noteReadInPart(path);
+  return status;
 }
 
 // Says how much of the file the hierarchy holds, and remembers the file so

@@ -62,6 +62,7 @@ struct SpecReadReport {
   std::string firstError;   // the first error's message ("syntax error") ...
   std::string firstErrorAt; // ... and the text of the token it was met at
   int prereqCarry = 0;      // prereq words of an unfinished triple at the end
+  std::string lastMessage;  // the last line the read logged (why a file was not entered)
   bool clean() const {
     return entered && errors == 0 && includeFailures == 0 && includeCycles == 0;
   }
@@ -175,11 +176,14 @@ class SpecGraphModel {
   void print() const;
 
   /// Replaces the hierarchy with the file's (an empty path: the default one).
-  bool open(const std::string& path);
-  /// Adds the file's products after the present ones.
-  bool read(const std::string& path);
+  /// Fails with the message the user was given when the file is not a
+  /// regular file or cannot be read at all; a file read with errors is
+  /// read (lastReadReport says what was skipped).
+  Outcome open(const std::string& path);
+  /// Adds the file's products after the present ones; fails as open does.
+  Outcome read(const std::string& path);
   /// Parses path into the hierarchy; "" builds the default hierarchy.
-  bool append(const std::string& path);
+  Outcome append(const std::string& path);
   /// Writes the spec file: to path, or to the stored name when path is
   /// null, asking for a name when there is none.  A file that was opened or
   /// appended only in part (its read met errors) is saved over only after

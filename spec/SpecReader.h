@@ -7,14 +7,16 @@
 
 class Reporter;
 class SpecGraphModel;
+#include "util/Outcome.h"
+
 struct SpecReadReport;
 
 /// Parses the spec file at path (with its includes) and appends its
-/// products to graph.  Returns false, having logged why, when the file
-/// cannot be read at all; otherwise true, also after syntax errors (what was
-/// read before an error stays in the graph).  report, if given, says what
-/// went wrong.
-bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
+/// products to graph.  Fails with the message it logged when the file
+/// cannot be read at all; otherwise succeeds, also after syntax errors (what
+/// was read before an error stays in the graph).  report, if given, says
+/// what went wrong.
+Outcome readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
                   SpecReadReport* report);
 
 /// Parses text as a spec file named name in messages, appending its products

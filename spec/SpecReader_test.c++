@@ -45,7 +45,7 @@ class SpecReaderTest : public ::testing::Test {
 
   // Writes text to name in the scratch directory and opens it.
   bool open(const std::string& text, const std::string& name = "p.spec") {
-    return graph.open(dir.write(name, text));
+    return graph.open(dir.write(name, text)).ok();
   }
   std::vector<std::string> logged() const { return reporter.texts("log"); }
 };
@@ -57,7 +57,7 @@ TEST_F(SpecReaderTest, DefaultHierarchyRoundTrip) {
   std::string first = dir.read("default.spec");
 
   SpecGraphModel again(&reporter);
-  ASSERT_TRUE(again.open(path));
+  ASSERT_TRUE(again.open(path).ok());
   EXPECT_TRUE(again.lastReadReport().clean());
   EXPECT_EQ(first, written(again));
   std::vector<SpecNode*> a = graph.nodes(), b = again.nodes();
@@ -178,7 +178,7 @@ TEST_F(SpecReaderTest, RulesWithBlankLinesRoundTrip) {
                        "oldvers\n            )\n            incompat x 0 oldvers\n        "
                        "endsubsys\n"));
   SpecGraphModel again(&reporter);
-  ASSERT_TRUE(again.open(path));
+  ASSERT_TRUE(again.open(path).ok());
   EXPECT_EQ("replaces self\nprereq (\n    a 0 oldvers\n)\nincompat x 0 oldvers",
             again.getNode("p.i.s")->rules());
   ASSERT_TRUE(again.save(nullptr).ok());
@@ -322,7 +322,7 @@ TEST_F(SpecReaderTest, EveryFieldAndKeywordRoundTrips) {
   std::string first = dir.read("all.spec");
 
   SpecGraphModel again(&reporter);
-  ASSERT_TRUE(again.open(path));
+  ASSERT_TRUE(again.open(path).ok());
   EXPECT_TRUE(again.lastReadReport().clean()) << ::testing::PrintToString(logged());
   std::vector<SpecNode*> a = graph.nodes(), b = again.nodes();
   ASSERT_EQ(a.size(), b.size());
@@ -395,7 +395,7 @@ TEST_F(SpecReaderTest, SyntaxErrorsKeepWhatWasRead) {
     SCOPED_TRACE(c.name);
     reporter.clear();
     std::string path = dir.write("e.spec", c.input);
-    EXPECT_TRUE(graph.open(path));
+    EXPECT_TRUE(graph.open(path).ok());
     EXPECT_FALSE(graph.lastReadReport().clean());
     EXPECT_EQ(1, graph.lastReadReport().errors);
     EXPECT_EQ((std::vector<std::string>{"Error reading " + path + ", " + c.message,
@@ -425,7 +425,7 @@ TEST_F(SpecReaderTest, Includes) {
                                "endimage\n");
   // Neither include is readable from the working directory; each is found
   // beside the file that includes it.
-  EXPECT_TRUE(graph.open(main));
+  EXPECT_TRUE(graph.open(main).ok());
   EXPECT_EQ(0, graph.lastReadReport().includeFailures);
   EXPECT_EQ((std::vector<std::string>{"Error reading " + main + ", line 5:  syntax error (at "
                                       "'endimage')",
@@ -439,7 +439,7 @@ TEST_F(SpecReaderTest, ErrorsInsideIncludesNameTheIncludedFile) {
   std::string inc = dir.write("inc.spec", "subsys s id S\n\nendimage\n");
   std::string main = dir.write("main.spec",
                                "product p id P image i id I version 1\ninclude " + inc + "\n");
-  EXPECT_TRUE(graph.open(main));
+  EXPECT_TRUE(graph.open(main).ok());
   // The summary counts lines of the file that was opened.
   EXPECT_EQ((std::vector<std::string>{"Error reading " + inc + ", line 3:  syntax error (at "
                                       "'endimage')",
@@ -469,7 +469,7 @@ TEST_F(SpecReaderTest, IncludeFailures) {
     std::string main = dir.write("main.spec", "product p id P image i id I version 1\n" +
                                                   c.directive + "\ninclude $TAMBLIN_TEST_SUB/ok.spec\n"
                                                   "endimage endproduct\n");
-    EXPECT_TRUE(graph.open(main));
+    EXPECT_TRUE(graph.open(main).ok());
     EXPECT_EQ(1, graph.lastReadReport().includeFailures);
     EXPECT_EQ(0, graph.lastReadReport().errors);
     EXPECT_EQ((std::vector<std::string>{
@@ -501,7 +501,7 @@ TEST_F(SpecReaderTest, IncludeCyclesAreReportedOnceAndReadOnce) {
     dir.write("self.spec", c.self);
     dir.write("other.spec", c.other);
     std::string main = dir.write("top.spec", "include self.spec\nproduct p id P endproduct\n");
-    EXPECT_TRUE(graph.open(main));
+    EXPECT_TRUE(graph.open(main).ok());
     std::string cycle = c.cycle;
     for (std::string::size_type at = 0; (at = cycle.find(".spec", at)) != std::string::npos;) {
       std::string::size_type start = cycle.rfind(' ', at);
@@ -540,7 +540,7 @@ TEST_F(SpecReaderTest, IncludeDepthLimit) {
       chain.write("f" + std::to_string(i) + ".spec", "include f" + std::to_string(i + 1) + ".spec\n");
     chain.write("f" + std::to_string(c.depth) + ".spec", "product deep id D endproduct\n");
     std::string top = chain.write("top.spec", "include f1.spec\nproduct top id T endproduct\n");
-    EXPECT_TRUE(graph.open(top));
+    EXPECT_TRUE(graph.open(top).ok());
     if (c.refused) {
       std::string last = "f" + std::to_string(c.depth) + ".spec";
       EXPECT_EQ((std::vector<std::string>{"Include nesting too deep at '" + last + "'.",
@@ -573,7 +573,7 @@ TEST_F(SpecReaderTest, LineNumbersContinueAfterAnInclude) {
     SCOPED_TRACE(c.name);
     reporter.clear();
     std::string main = dir.write("main.spec", c.text);
-    EXPECT_TRUE(graph.open(main));
+    EXPECT_TRUE(graph.open(main).ok());
     ASSERT_EQ(2u, logged().size());
     EXPECT_EQ(0u, logged()[0].find("Error reading " + main + ", line " + std::to_string(c.line) +
                                    ":"))
@@ -597,10 +597,10 @@ TEST_F(SpecReaderTest, SetenvReachesLaterWordsAndFiles) {
 TEST_F(SpecReaderTest, OpenReadAndAppend) {
   std::string a = dir.write("a.spec", "product a id A endproduct\n");
   std::string b = dir.write("b.spec", "product b id B endproduct\n");
-  ASSERT_TRUE(graph.open(a));
+  ASSERT_TRUE(graph.open(a).ok());
   EXPECT_EQ(a, graph.specFileName());
   EXPECT_FALSE(graph.changed());
-  ASSERT_TRUE(graph.read(b));
+  ASSERT_TRUE(graph.read(b).ok());
   EXPECT_TRUE(graph.changed());
   EXPECT_EQ(a, graph.specFileName());
   EXPECT_EQ("a", graph.root(0)->name());
@@ -610,22 +610,25 @@ TEST_F(SpecReaderTest, OpenReadAndAppend) {
 
   reporter.clear();
   std::string missing = dir.file("missing.spec");
-  EXPECT_FALSE(graph.open(missing));
+  Outcome failed = graph.open(missing);
+  EXPECT_FALSE(failed.ok());
   EXPECT_EQ(0, graph.rootCount());
   EXPECT_FALSE(graph.changed());
   EXPECT_EQ(a, graph.specFileName());
-  EXPECT_EQ((std::vector<std::string>{"Unable to access " + missing +
-                                      " (No such file or directory)."}),
-            logged());
+  const std::string why = "Unable to access " + missing + " (No such file or directory).";
+  EXPECT_EQ((std::vector<std::string>{why}), logged());
+  EXPECT_EQ(why, failed.message());
   EXPECT_FALSE(graph.lastReadReport().entered);
 
   reporter.clear();
-  EXPECT_FALSE(graph.open(dir.path()));
-  EXPECT_FALSE(graph.read(dir.path()));
+  EXPECT_FALSE(graph.open(dir.path()).ok());
+  Outcome refused = graph.read(dir.path());
+  EXPECT_FALSE(refused.ok());
   EXPECT_EQ(2u, reporter.texts("warning").size());
+  EXPECT_EQ(reporter.texts("warning").back(), refused.message());
   EXPECT_EQ("'" + dir.path() + "' is not a regular file.\nTry again.", reporter.texts("warning")[0]);
 
-  ASSERT_TRUE(graph.open(""));
+  ASSERT_TRUE(graph.open("").ok());
   EXPECT_EQ(9u, graph.nodes().size());
   EXPECT_EQ("", graph.specFileName());
 }
@@ -642,7 +645,7 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
            "Saving over it keeps only what was read; the rest of the file would be lost.\n\n"
            "Save anyway?";
   };
-  ASSERT_TRUE(graph.open(bad));
+  ASSERT_TRUE(graph.open(bad).ok());
   EXPECT_FALSE(graph.changed());
 
   // Save, answered no: nothing written.
@@ -675,8 +678,8 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
   // An appended file read in part is guarded too, the opened one is not.
   std::string good = dir.write("good.spec", "product g id G endproduct\n");
   bad = dir.write("bad.spec", text);
-  ASSERT_TRUE(graph.open(good));
-  ASSERT_TRUE(graph.read(bad));
+  ASSERT_TRUE(graph.open(good).ok());
+  ASSERT_TRUE(graph.read(bad).ok());
   EXPECT_EQ("Read " + bad + " up to line 2; the rest was skipped.", logged().back());
   reporter.clear();
   EXPECT_TRUE(graph.save(nullptr).ok());
@@ -686,7 +689,7 @@ TEST_F(SpecReaderTest, FileReadInPartIsNotSavedOverWithoutAQuestion) {
   EXPECT_EQ(1u, reporter.texts("question").size());
 
   // Opening another file forgets the earlier reads.
-  ASSERT_TRUE(graph.open(good));
+  ASSERT_TRUE(graph.open(good).ok());
   EXPECT_FALSE(graph.readInPart(bad));
 }
 

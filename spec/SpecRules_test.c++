@@ -99,7 +99,7 @@ TEST(SpecRulesTest, FromTheReader) {
                                      "    endsubsys\n"
                                      "  endimage\n"
                                      "endproduct\n");
-  ASSERT_TRUE(graph.open(path));
+  ASSERT_TRUE(graph.open(path).ok());
   const SpecNode* base = graph.getNode("p.sw.base");
   ASSERT_NE(nullptr, base);
   EXPECT_EQ(

@@ -373,8 +373,8 @@ void parseInto(SpecGraphModel& graph, SpecReadReport* result) {
 
 }  // namespace
 
-bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
-                  SpecReadReport* report) {
+Outcome readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& path,
+                     SpecReadReport* report) {
   specLexerBegin(&reporter, path);
   SpecReadReport result;
   if (pushinput(path.c_str()) != 0) {
@@ -382,11 +382,11 @@ bool readSpecFile(SpecGraphModel& graph, Reporter& reporter, const std::string& 
     result.includeFailures = 0;
     specLexerEnd();
     if (report) *report = result;
-    return false;
+    return Outcome::error(result.lastMessage);
   }
   parseInto(graph, &result);
   if (report) *report = result;
-  return true;
+  return Outcome::success();
 }
 
 void readSpecText(SpecGraphModel& graph, Reporter& reporter, const std::string& name,
