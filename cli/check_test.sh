@@ -2,13 +2,7 @@
 # Behaviour of `tamblin-cli check`: findings, summary, exit codes and where
 # the source root comes from.  Usage: check_test.sh TAMBLIN_CLI
 set -u
-cli=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
-dir=$(mktemp -d)
-trap 'rm -rf "$dir"' EXIT
-cd "$dir"
-failures=0
-
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+source "$(dirname "${BASH_SOURCE[0]}")/test_lib.sh"
 # expect STATUS STDOUT STDERR COMMAND...: compares exit status and both outputs.
 expect() {
   local status=$1 out=$2 err=$3
@@ -32,15 +26,15 @@ unset SBASE
 expect 0 "2 entries, 0 not found under $root" "" "$cli" check clean.idb --sbase tree
 expect 1 "not found: y (installs as usr/y)
 2 entries, 1 not found under $root" "" "$cli" check --sbase tree missing.idb
-SBASE=$dir/other expect 1 "not found: lib/x (installs as usr/lib/x)
-2 entries, 1 not found under $dir/other" "" "$cli" check missing.idb
+SBASE=$work/other expect 1 "not found: lib/x (installs as usr/lib/x)
+2 entries, 1 not found under $work/other" "" "$cli" check missing.idb
 # Neither option nor SBASE: the current directory.
 (cd tree && expect 0 "2 entries, 0 not found under $root" "" "$cli" check ../clean.idb
   exit $((failures > 0))) || failures=$((failures + 1))
 
 expect 1 "" "Couldn't read idb 'bad.idb' (Expected tag in field 7 on line 2)." "$cli" check bad.idb --sbase tree
 expect 2 "" "Couldn't open idb 'none.idb' (No such file or directory)." "$cli" check none.idb --sbase tree
-expect 2 "" "tamblin-cli check: Source Root '$dir/clean.idb' is not a directory." \
+expect 2 "" "tamblin-cli check: Source Root '$work/clean.idb' is not a directory." \
   "$cli" check clean.idb --sbase clean.idb
 while IFS='|' read -r args why; do
   # shellcheck disable=SC2086
@@ -91,5 +85,4 @@ printf 'f 0644 root sys usr/lib/x lib/x p.sw.lib\nf 0644 root sys usr/t\tb lib/t
 expect 1 "does not read back: usr/t"$'\t'"b (the destination path holds a tab)
 2 entries, 0 not found under $root, 1 not read back the same" "" "$cli" check tab.idb --sbase tree
 
-[ "$failures" = 0 ] && echo "check: all passed"
-exit $((failures > 0))
+finish check

@@ -6,12 +6,7 @@
 # reported, and no save over something that is not a regular file.
 #   cli/convention_test.sh PATH_TO_TAMBLIN_CLI
 set -uo pipefail
-cli=$(realpath "$1")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+source "$(dirname "${BASH_SOURCE[0]}")/test_lib.sh"
 
 # run ARGS...: runs tamblin-cli; sets rc, out and err.
 run() {
@@ -126,5 +121,4 @@ run edit a b c
 check "edit with three arguments" 2 "" "tamblin-cli edit: too few arguments
 usage: tamblin-cli edit DIR SPEC IDB DIST [-v]"
 
-[[ $failures == 0 ]] && echo "convention: all passed"
-exit $((failures > 0))
+finish convention

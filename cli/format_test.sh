@@ -3,11 +3,7 @@
 # status, and that nothing is written when the spec was not read cleanly.
 #   cli/format_test.sh PATH_TO_TAMBLIN_CLI
 set -uo pipefail
-cli=$(realpath "$1")
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-failures=0
+source "$(dirname "${BASH_SOURCE[0]}")/test_lib.sh"
 
 # expect NAME STATUS STDOUT STDERR -- ARGS...
 expect() {
@@ -95,4 +91,4 @@ else
   echo "skip full disk: mounting a small tmpfs needs root"
 fi
 
-exit $((failures > 0))
+finish format

@@ -2,13 +2,7 @@
 # Behaviour of `tamblin-cli sort`: output, exit codes, and that nothing is
 # written when the input cannot be read.  Usage: sort_test.sh TAMBLIN_CLI
 set -u
-cli=$(realpath "$1")
-dir=$(mktemp -d)
-trap 'rm -rf "$dir"' EXIT
-cd "$dir"
-failures=0
-
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+source "$(dirname "${BASH_SOURCE[0]}")/test_lib.sh"
 # expect STATUS STDERR-TEXT COMMAND...: runs the command, compares exit status and standard error.
 expect() {
   local status=$1 err=$2
@@ -86,7 +80,7 @@ same other.idb sorted
 # would refuse it; a writable one in a directory the user may not write is
 # saved, and keeps its owner.
 if [ "$(id -u)" = 0 ] && command -v setpriv >/dev/null; then
-  chmod 755 "$dir"
+  chmod 755 "$work"
   mkdir locked
   cp in.idb locked/ro.idb
   cp in.idb locked/rw.idb
@@ -133,5 +127,4 @@ expect 2 "tamblin-cli sort: unknown option '-x'
 $usage" "$cli" sort -x in.idb
 same in.idb in.orig
 
-[ "$failures" = 0 ] && echo "all sort cases passed"
-exit "$failures"
+finish sort
