@@ -35,47 +35,45 @@ namespace {
 // Until the product hierarchy and file list panels are in the view, their
 // menu entries tell the user so instead of doing nothing.  Nothing is
 // unsaved, so dropping changes is always agreed.
-class MissingSpec : public SpecDocument {
+template <class Base>
+class Missing : public Base {
  public:
-  explicit MissingSpec(View& view) : _view(view) {}
+  Missing(View& view, const char* message) : _view(view), _message(message) {}
   int abandonChanges() override { return 1; }
   int open(const char*) override { return missing(); }
   int showOpenBrowser() override { return missing(); }
   int showReadBrowser() override { return missing(); }
   int showSaveBrowser() override { return missing(); }
   int save(const char*) override { return missing(); }
-  std::string getProductName() override { return ""; }
-  bool subsystemExists() override { return false; }
 
- private:
+ protected:
   int missing() {
-    _view.logMessage("Spec files cannot be opened or saved: this version has no product hierarchy panel.");
+    _view.logMessage(_message);
     _view.showMessages();
     return 0;
   }
+
+ private:
   View& _view;
+  const char* _message;
 };
 
-class MissingIdb : public IdbDocument {
+class MissingSpec : public Missing<SpecDocument> {
  public:
-  explicit MissingIdb(View& view) : _view(view) {}
+  explicit MissingSpec(View& view)
+      : Missing(view,
+                "Spec files cannot be opened or saved: this version has no product hierarchy panel.") {}
+  std::string getProductName() override { return ""; }
+  bool subsystemExists() override { return false; }
+};
+
+class MissingIdb : public Missing<IdbDocument> {
+ public:
+  explicit MissingIdb(View& view)
+      : Missing(view, "Idb files cannot be opened or saved: this version has no file list panel.") {}
   void clear() override { missing(); }
-  int abandonChanges() override { return 1; }
-  int open(const char*) override { return missing(); }
-  int showOpenBrowser() override { return missing(); }
-  int showReadBrowser() override { return missing(); }
-  int showSaveBrowser() override { return missing(); }
-  int save(const char*) override { return missing(); }
   int recordCount() override { return 0; }
   void refresh() override {}
-
- private:
-  int missing() {
-    _view.logMessage("Idb files cannot be opened or saved: this version has no file list panel.");
-    _view.showMessages();
-    return 0;
-  }
-  View& _view;
 };
 
 MainWindow* self(XtPointer clientData) { return static_cast<MainWindow*>(clientData); }
